@@ -1,0 +1,105 @@
+// Internal routines of the stratum correlation. Every routine reads the two boreholes and their
+// plan distance through a CorrelationState passed by reference; regions hold index ranges into
+// the state's stratum lists, never copies of strata.
+#pragma once
+
+#include <XKLinkDc/XKLinkDc.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace XKLinkDc {
+
+// The two boreholes of one correlation and their plan distance. LinkDc uses the single
+// module-wide instance (g_zk1, g_zk2, g_dDist alias its members); CorrelationContext owns its own.
+struct CorrelationState {
+  DataType::_sZK zk1;
+  DataType::_sZK zk2;
+  double dDist = 0.0;
+};
+
+} // namespace XKLinkDc
+
+namespace xkl {
+
+using DataType::_sLinkRegion;
+using DataType::_sZK;
+using XKLinkDc::CorrelationState;
+using RegionList = std::vector<_sLinkRegion>;
+
+// The module-wide correlation state: the copies of the two boreholes of the latest LinkDc call and
+// their plan distance. They keep their values until the next call.
+extern CorrelationState g_state;
+extern _sZK& g_zk1;
+extern _sZK& g_zk2;
+extern double& g_dDist;
+
+// Runs a whole correlation on the given state: copies the boreholes, computes the plan distance,
+// initialises the root and walks the tree.
+void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root);
+
+// Elevation of the boundary above stratum k: the top of stratum k, or below the last stratum its
+// bottom. A borehole without strata has every boundary at its collar.
+double GetBoundaryGC(const _sZK& zk, int32_t k);
+
+// --- entry and recursion -------------------------------------------------------------------
+void InitRootRegion(const CorrelationState& state, _sLinkRegion& root);
+void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion);
+bool HasMixedStrata(const _sZK& zk, int32_t nBegin, int32_t nEnd);
+bool HasCommonStratum(const CorrelationState& state, const _sLinkRegion& region);
+void SplitAndCloseRegion(const CorrelationState& state, const _sLinkRegion& region,
+                         RegionList& children, bool bSubRegion);
+
+// --- first splitting pass: strata common to both boreholes ---------------------------------
+struct DcPair {
+  int32_t nDC1 = -1;
+  int32_t nDC2 = -1;
+  double dDiffGC = 0.0; // |mid elevation 1 - mid elevation 2|; later only a sort key
+  bool bDrop = false;
+};
+void MatchCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
+                       std::vector<DcPair>& pairs);
+void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
+                         RegionList& out);
+
+// --- second splitting pass: the gaps between common strata ---------------------------------
+void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
+                    const RegionList& children, RegionList& gaps, bool bSubRegion);
+
+// --- stratum runs, shared by both closing routines -----------------------------------------
+struct DcRun {
+  int32_t nBegin = -1;
+  int32_t nEnd = -1;
+  std::wstring strName;
+  bool bMerged = false; // fused from several occurrences of one code
+};
+struct DcRunList {
+  const _sLinkRegion* pRegion = nullptr;
+  const _sZK* pZK = nullptr;
+  std::vector<DcRun> vecRun;
+};
+// side true: borehole 1 with nBegin1/nEnd1; false: borehole 2 with nBegin2/nEnd2.
+void BuildDcRunList(const CorrelationState& state, DcRunList& list, const _sLinkRegion& region,
+                    bool side);
+bool FindRepeatedDc(const DcRunList& list, std::wstring& name);
+int32_t CompareDcThickness(const DcRunList& list, const std::wstring& nameA,
+                           const std::wstring& nameB);
+void MergeDcRun(DcRunList& list, const std::wstring& name);
+// Builds the run list of one side and fuses repeated codes until none is left.
+std::vector<DcRun> BuildFusedRuns(const CorrelationState& state, const _sLinkRegion& region,
+                                  bool side);
+
+// --- closing ---------------------------------------------------------------------------------
+void CloseUnmatchedRegion(const CorrelationState& state, const _sLinkRegion& region,
+                          RegionList& out);
+void CloseNamedRegion(const CorrelationState& state, const _sLinkRegion& region, RegionList& out);
+
+// --- lens geometry ---------------------------------------------------------------------------
+CXk3DPoint GetLensTip(const CorrelationState& state, const _sLinkRegion& region,
+                      const CXk3DPoint& mid, bool side);
+int32_t IntersectSegment(const CXk3DPoint& p0, const CXk3DPoint& p1, const CXk3DPoint& q0,
+                         const CXk3DPoint& q1, CXk3DPoint& r1, CXk3DPoint& r2);
+bool IsBetween(const CXk3DPoint& p, const CXk3DPoint& a, const CXk3DPoint& b);
+
+} // namespace xkl
