@@ -38,6 +38,9 @@ extern double& g_dDist;
 // Runs a whole correlation on the given state: copies the boreholes, computes the plan distance,
 // initialises the root and walks the tree.
 void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root);
+// Runs LinkDc on a root of its own and appends the finished section lines.
+void RunLinkDcLine(CorrelationState& state, const _sZK& zk1, const _sZK& zk2,
+                   std::vector<DataType::_sLinkLine>& lines);
 
 // Elevation of the boundary above stratum k: the top of stratum k, or below the last stratum its
 // bottom. A borehole without strata has every boundary at its collar.

@@ -1,0 +1,59 @@
+// Closing a region whose strata do not correlate: every run of each borehole becomes a pinch-out
+// wedge, full thickness on its own hole and thinned to nothing at the other hole.
+#include "correlation/Correlation.h"
+
+namespace xkl {
+
+namespace {
+
+// A wedge of one borehole's run, thinning out at boundary `tip` of the other borehole. `own` is the
+// side the run belongs to (true: borehole 1).
+void FillWedge(const CorrelationState& state, const _sLinkRegion& region, const DcRun& run,
+               int32_t tip, bool own, _sLinkRegion& wedge) {
+  const _sZK& ownZk = own ? state.zk1 : state.zk2;
+  const _sZK& otherZk = own ? state.zk2 : state.zk1;
+  const int o = own ? 0 : 1; // corner slot on the run's borehole
+  const int t = own ? 1 : 0; // corner slot on the other borehole
+  wedge.nType = 2;
+  wedge.bNamed = run.bMerged;
+  wedge.strName = run.strName;
+  (own ? wedge.nBegin1 : wedge.nBegin2) = run.nBegin;
+  (own ? wedge.nEnd1 : wedge.nEnd2) = run.nEnd;
+  (own ? wedge.nBegin2 : wedge.nBegin1) = tip;
+  (own ? wedge.nEnd2 : wedge.nEnd1) = tip;
+  const double tipZ = GetBoundaryGC(otherZk, tip);
+  wedge.ptTop[o] = CXk3DPoint(region.ptTop[o].x, region.ptTop[o].y, GetBoundaryGC(ownZk, run.nBegin));
+  wedge.ptBot[o] = CXk3DPoint(region.ptBot[o].x, region.ptBot[o].y, GetBoundaryGC(ownZk, run.nEnd));
+  wedge.ptTop[t] = CXk3DPoint(region.ptTop[t].x, region.ptTop[t].y, tipZ);
+  wedge.ptBot[t] = CXk3DPoint(region.ptBot[t].x, region.ptBot[t].y, tipZ);
+}
+
+} // namespace
+
+void CloseUnmatchedRegion(const CorrelationState& state, const _sLinkRegion& region,
+                          RegionList& out) {
+  const std::vector<DcRun> runs1 = BuildFusedRuns(state, region, true);
+  const std::vector<DcRun> runs2 = BuildFusedRuns(state, region, false);
+  // Without a common stratum there is no evidence of which bed lies above which between the holes;
+  // the ordinal order of the codes decides, so that a coding scheme numbered from the top down
+  // (01, 02, ...) stacks the wedges in its own order.
+  _sLinkRegion wedge;
+  std::size_t i = 0;
+  std::size_t j = 0;
+  while (i < runs1.size() || j < runs2.size()) {
+    const bool takeFirst =
+        j >= runs2.size() || (i < runs1.size() && runs1[i].strName.compare(runs2[j].strName) <= 0);
+    if (takeFirst) {
+      const int32_t tip = j < runs2.size() ? runs2[j].nBegin : region.nEnd2;
+      FillWedge(state, region, runs1[i], tip, true, wedge);
+      ++i;
+    } else {
+      const int32_t tip = i < runs1.size() ? runs1[i].nBegin : region.nEnd1;
+      FillWedge(state, region, runs2[j], tip, false, wedge);
+      ++j;
+    }
+    out.push_back(wedge);
+  }
+}
+
+} // namespace xkl

@@ -1,0 +1,24 @@
+// The module-wide correlation state and the boundary elevations that every region corner uses.
+#include "correlation/Correlation.h"
+
+namespace xkl {
+
+CorrelationState g_state;
+_sZK& g_zk1 = g_state.zk1;
+_sZK& g_zk2 = g_state.zk2;
+double& g_dDist = g_state.dDist;
+
+double GetBoundaryGC(const _sZK& zk, int32_t k) {
+  const auto count = static_cast<int64_t>(zk.vecDC.size());
+  if (count == 0) {
+    // A hole logged without strata has no depth: all its boundaries lie at the collar.
+    return zk.dTopGC;
+  }
+  if (k < count) {
+    // Negative boundary indices do not arise from valid ranges; they count as the top.
+    return zk.vecDC[static_cast<std::size_t>(k < 0 ? 0 : k)].dTopGC;
+  }
+  return zk.vecDC.back().dBotGC;
+}
+
+} // namespace xkl

@@ -1,0 +1,93 @@
+// The second splitting pass: the gaps above, between and below the common strata of a region.
+// A gap holds the strata that the two boreholes do not share at that height; it never stays in the
+// tree itself, only what closing it produces does.
+#include "correlation/Correlation.h"
+
+namespace xkl {
+
+namespace {
+
+bool CarriesName(const _sZK& zk, int32_t index, const std::wstring& name) {
+  return index >= 0 && static_cast<std::size_t>(index) < zk.vecDC.size() &&
+         zk.vecDC[static_cast<std::size_t>(index)].strName == name;
+}
+
+// Appends one gap whose corners are taken whole from the boundaries that enclose it.
+void AppendGap(_sLinkRegion& gap, int32_t nBegin1, int32_t nEnd1, int32_t nBegin2, int32_t nEnd2,
+               const CXk3DPoint (&top)[2], const CXk3DPoint (&bot)[2], RegionList& gaps) {
+  gap.nBegin1 = nBegin1;
+  gap.nEnd1 = nEnd1;
+  gap.nBegin2 = nBegin2;
+  gap.nEnd2 = nEnd2;
+  gap.ptTop[0] = top[0];
+  gap.ptTop[1] = top[1];
+  gap.ptBot[0] = bot[0];
+  gap.ptBot[1] = bot[1];
+  gaps.push_back(gap);
+}
+
+} // namespace
+
+void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
+                    const RegionList& children, RegionList& gaps, bool bSubRegion) {
+  if (children.empty()) {
+    return;
+  }
+  const _sLinkRegion& first = children.front();
+  const _sLinkRegion& last = children.back();
+
+  // A gap of a named region is still inside that envelope and is closed as one.
+  _sLinkRegion gap;
+  gap.nType = 0;
+  gap.bNamed = region.bNamed;
+  gap.strName = region.strName;
+
+  // The envelope's own first stratum is the envelope, not part of the gap below it.
+  int32_t i1 = region.nBegin1;
+  int32_t i2 = region.nBegin2;
+  if (region.bNamed) {
+    if (CarriesName(state.zk1, region.nBegin1, region.strName)) {
+      i1 = region.nBegin1 + 1;
+    }
+    if (CarriesName(state.zk2, region.nBegin2, region.strName)) {
+      i2 = region.nBegin2 + 1;
+    }
+  }
+
+  if (first.nBegin1 != i1 || first.nBegin2 != i2) {
+    AppendGap(gap, i1, first.nBegin1, i2, first.nBegin2, region.ptTop, first.ptTop, gaps);
+  }
+  for (std::size_t k = 1; k < children.size(); ++k) {
+    const _sLinkRegion& above = children[k - 1];
+    const _sLinkRegion& below = children[k];
+    AppendGap(gap, above.nEnd1, below.nBegin1, above.nEnd2, below.nBegin2, above.ptBot,
+              below.ptTop, gaps);
+  }
+
+  // Below the deepest common stratum of the whole section nothing is correlated: the strata there
+  // are left out of the tree rather than guessed at.
+  if (!bSubRegion) {
+    return;
+  }
+
+  // The stratum tested is the one just above the adjusted top, not the region's last stratum: for
+  // the envelopes cut out by the first pass both are occurrences of the name, and the rule takes the
+  // closing occurrence off the bottom gap.
+  int32_t e1 = region.nEnd1;
+  int32_t e2 = region.nEnd2;
+  if (region.bNamed) {
+    const int32_t j1 = i1 - 1 < 0 ? -1 : i1 - 1;
+    const int32_t j2 = i2 - 1 < 0 ? -1 : i2 - 1;
+    if (CarriesName(state.zk1, j1, region.strName)) {
+      e1 = region.nEnd1 - 1;
+    }
+    if (CarriesName(state.zk2, j2, region.strName)) {
+      e2 = region.nEnd2 - 1;
+    }
+  }
+  if (last.nEnd1 != e1 || last.nEnd2 != e2) {
+    AppendGap(gap, last.nEnd1, e1, last.nEnd2, e2, last.ptBot, region.ptBot, gaps);
+  }
+}
+
+} // namespace xkl

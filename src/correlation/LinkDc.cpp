@@ -1,0 +1,150 @@
+// The correlation entry and the walk over the region tree.
+//
+// The root region covers both boreholes. A region is split where both boreholes share a stratum
+// code, and a region that cannot be split is closed into pinch-out wedges or lenses whose corners
+// are fixed. The walk repeats this on every region produced until no region holds two neighbouring
+// strata of different codes on either side.
+#include "correlation/Correlation.h"
+
+#include <cmath>
+
+namespace xkl {
+
+namespace {
+
+std::size_t Index(int32_t i) { return static_cast<std::size_t>(i); }
+
+// Index of the last stratum of a half-open range, with negative values counting as -1.
+int32_t LastIndex(int32_t nEnd) { return nEnd - 1 < 0 ? -1 : nEnd - 1; }
+
+// Closes a region that is not split: a named envelope into lenses, anything else into wedges.
+void CloseRegion(const CorrelationState& state, const _sLinkRegion& region, RegionList& out) {
+  if (region.bNamed) {
+    CloseNamedRegion(state, region, out);
+  } else {
+    CloseUnmatchedRegion(state, region, out);
+  }
+}
+
+// Works on one region and appends what it produces to its own children.
+void ProcessRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion) {
+  if (!HasMixedStrata(state.zk1, region.nBegin1, region.nEnd1) &&
+      !HasMixedStrata(state.zk2, region.nBegin2, region.nEnd2)) {
+    // One code (or none) on each side: nothing to correlate inside, even when the two codes
+    // differ; the region stays as it is.
+    return;
+  }
+  if (region.nType == 0 && HasCommonStratum(state, region)) {
+    SplitAndCloseRegion(state, region, region.vecChild, bSubRegion);
+  } else {
+    // Regions made by closing are never split again, only closed again.
+    CloseRegion(state, region, region.vecChild);
+  }
+}
+
+} // namespace
+
+void InitRootRegion(const CorrelationState& state, _sLinkRegion& root) {
+  const _sZK& zk1 = state.zk1;
+  const _sZK& zk2 = state.zk2;
+  root.nType = 0;
+  root.bNamed = false;
+  root.strName = L"";
+  root.nBegin1 = 0;
+  root.nEnd1 = static_cast<int32_t>(zk1.vecDC.size());
+  root.nBegin2 = 0;
+  root.nEnd2 = static_cast<int32_t>(zk2.vecDC.size());
+  // The top follows the collars, not the first strata: a hole may start below ground with no log.
+  root.ptTop[0] = CXk3DPoint(zk1.dX, zk1.dY, zk1.dTopGC);
+  root.ptTop[1] = CXk3DPoint(zk2.dX, zk2.dY, zk2.dTopGC);
+  root.ptBot[0] = CXk3DPoint(zk1.dX, zk1.dY, zk1.vecDC.empty() ? zk1.dTopGC : zk1.vecDC.back().dBotGC);
+  root.ptBot[1] = CXk3DPoint(zk2.dX, zk2.dY, zk2.vecDC.empty() ? zk2.dTopGC : zk2.vecDC.back().dBotGC);
+}
+
+// Depth-first over the tree, without recursion: a log of many thousand repeated strata nests
+// regions deeply, and the call stack of the host's thread is not ours to exhaust. A region's
+// children are appended only while that region is processed, so the addresses taken here stay
+// valid until the walk ends.
+void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion) {
+  struct Pending {
+    _sLinkRegion* region;
+    bool bSubRegion;
+  };
+  std::vector<Pending> stack{{&region, bSubRegion}};
+  while (!stack.empty()) {
+    const Pending next = stack.back();
+    stack.pop_back();
+    ProcessRegion(state, *next.region, next.bSubRegion);
+    RegionList& children = next.region->vecChild;
+    for (auto it = children.rbegin(); it != children.rend(); ++it) {
+      stack.push_back({&*it, true});
+    }
+  }
+}
+
+bool HasMixedStrata(const _sZK& zk, int32_t nBegin, int32_t nEnd) {
+  if (!(nBegin < nEnd)) {
+    return false;
+  }
+  const int32_t last = LastIndex(nEnd);
+  // A range never starts before the first stratum; the bound keeps the first comparison inside.
+  for (int32_t i = nBegin < 0 ? 1 : nBegin + 1; i <= last; ++i) {
+    if (zk.vecDC[Index(i - 1)].strName != zk.vecDC[Index(i)].strName) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool HasCommonStratum(const CorrelationState& state, const _sLinkRegion& region) {
+  if (!(region.nBegin1 < region.nEnd1) || !(region.nBegin2 < region.nEnd2)) {
+    return false;
+  }
+  const int32_t last1 = LastIndex(region.nEnd1);
+  const int32_t last2 = LastIndex(region.nEnd2);
+  // Inside the envelope of a stratum, that stratum's own occurrences do not correlate anything:
+  // they are the envelope itself.
+  const auto excluded = [&region](const std::wstring& code) {
+    return region.bNamed && code == region.strName;
+  };
+  for (int32_t i1 = region.nBegin1 < 0 ? 0 : region.nBegin1; i1 <= last1; ++i1) {
+    const std::wstring& code1 = state.zk1.vecDC[Index(i1)].strName;
+    if (excluded(code1)) {
+      continue;
+    }
+    for (int32_t i2 = region.nBegin2 < 0 ? 0 : region.nBegin2; i2 <= last2; ++i2) {
+      const std::wstring& code2 = state.zk2.vecDC[Index(i2)].strName;
+      if (!excluded(code2) && code1 == code2) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+void SplitAndCloseRegion(const CorrelationState& state, const _sLinkRegion& region,
+                         RegionList& children, bool bSubRegion) {
+  SplitAtCommonStrata(state, region, children);
+  RegionList gaps;
+  MakeGapRegions(state, region, children, gaps, bSubRegion);
+  for (const _sLinkRegion& gap : gaps) {
+    CloseRegion(state, gap, children);
+  }
+}
+
+void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root) {
+  state.zk1 = zk1;
+  state.zk2 = zk2;
+  const double dy = state.zk1.dY - state.zk2.dY;
+  const double dx = state.zk1.dX - state.zk2.dX;
+  state.dDist = std::sqrt(dy * dy + dx * dx);
+  InitRootRegion(state, root);
+  LinkRegion(state, root, false);
+}
+
+} // namespace xkl
+
+extern "C" void LinkDc(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
+                       DataType::_sLinkRegion& root) {
+  xkl::RunLinkDc(xkl::g_state, zk1, zk2, root);
+}
