@@ -4,31 +4,72 @@
 #include <XKLinkDc/XKLinkDc.h>
 
 #include <utility>
+#include <vector>
 
 namespace DataType {
 
+namespace {
+
+// Copies every member but the children.
+void CopyFields(_sLinkRegion& to, const _sLinkRegion& from) {
+  to.nType = from.nType;
+  to.bNamed = from.bNamed;
+  to.strName = from.strName;
+  to.nBegin1 = from.nBegin1;
+  to.nEnd1 = from.nEnd1;
+  to.nBegin2 = from.nBegin2;
+  to.nEnd2 = from.nEnd2;
+  to.ptTop[0] = from.ptTop[0];
+  to.ptTop[1] = from.ptTop[1];
+  to.ptBot[0] = from.ptBot[0];
+  to.ptBot[1] = from.ptBot[1];
+}
+
+} // namespace
+
 _sLinkRegion::_sLinkRegion()
     : nType(0), bNamed(false), nBegin1(-1), nEnd1(-1), nBegin2(-1), nEnd2(-1) {}
-_sLinkRegion::_sLinkRegion(const _sLinkRegion& src) = default;
+
+// Logs of thousands of strata with nested repetitions nest regions thousands deep; copying and
+// destroying a tree therefore walk it with a work list instead of recursing on the call stack.
+_sLinkRegion::_sLinkRegion(const _sLinkRegion& src) : _sLinkRegion() {
+  CopyFields(*this, src);
+  std::vector<std::pair<const _sLinkRegion*, _sLinkRegion*>> pending{{&src, this}};
+  while (!pending.empty()) {
+    const auto [from, to] = pending.back();
+    pending.pop_back();
+    to->vecChild.resize(from->vecChild.size());
+    for (std::size_t i = 0; i < from->vecChild.size(); ++i) {
+      CopyFields(to->vecChild[i], from->vecChild[i]);
+      pending.emplace_back(&from->vecChild[i], &to->vecChild[i]);
+    }
+  }
+}
+
 _sLinkRegion::_sLinkRegion(_sLinkRegion&& src) noexcept = default;
-_sLinkRegion::~_sLinkRegion() = default;
+
+_sLinkRegion::~_sLinkRegion() {
+  if (vecChild.empty()) {
+    return;
+  }
+  // Detach every descendant before it is destroyed, so that no destructor below this one finds
+  // children of its own.
+  std::vector<_sLinkRegion> pending = std::move(vecChild);
+  while (!pending.empty()) {
+    _sLinkRegion last = std::move(pending.back());
+    pending.pop_back();
+    for (_sLinkRegion& child : last.vecChild) {
+      pending.push_back(std::move(child));
+    }
+    last.vecChild.clear();
+  }
+}
 
 _sLinkRegion& _sLinkRegion::operator=(const _sLinkRegion& src) {
   if (this != &src) {
-    nType = src.nType;
-    bNamed = src.bNamed;
-    strName = src.strName;
-    nBegin1 = src.nBegin1;
-    nEnd1 = src.nEnd1;
-    nBegin2 = src.nBegin2;
-    nEnd2 = src.nEnd2;
-    ptTop[0] = src.ptTop[0];
-    ptTop[1] = src.ptTop[1];
-    ptBot[0] = src.ptBot[0];
-    ptBot[1] = src.ptBot[1];
-    // Copy first, then replace: the source may be a descendant of this region.
-    std::vector<_sLinkRegion> children(src.vecChild);
-    vecChild.swap(children);
+    // Copy first, then take over: the source may be a descendant of this region.
+    _sLinkRegion copy(src);
+    *this = std::move(copy);
   }
   return *this;
 }
@@ -46,6 +87,9 @@ _sLinkRegion& _sLinkRegion::operator=(_sLinkRegion&& src) noexcept {
     ptTop[1] = src.ptTop[1];
     ptBot[0] = src.ptBot[0];
     ptBot[1] = src.ptBot[1];
+    // The old children are released through a destructor, which walks them without recursion.
+    _sLinkRegion old;
+    old.vecChild.swap(vecChild);
     std::vector<_sLinkRegion> children(std::move(src.vecChild));
     vecChild.swap(children);
   }
