@@ -6,9 +6,11 @@
 // the pair whose mid elevations differ more is the less plausible one and is dropped. Dropped pairs
 // get a second chance afterwards when they contradict nothing that was kept.
 #include "correlation/Correlation.h"
+#include "correlation/CrossingResolution.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace xkl {
 
@@ -17,108 +19,78 @@ namespace {
 std::size_t Index(int32_t i) { return static_cast<std::size_t>(i); }
 int32_t Normalised(int32_t i) { return i < 0 ? -1 : i; }
 
-// Two pairs cross when one lies above the other in one borehole and below it in the other.
-bool Cross(const DcPair& p, const DcPair& q) {
-  if (p.nDC1 == q.nDC1 || p.nDC2 == q.nDC2) {
-    return false;
-  }
-  return (p.nDC1 < q.nDC1) != (p.nDC2 < q.nDC2);
-}
-
-bool SharesStratum(const DcPair& p, const DcPair& q) {
-  return p.nDC1 == q.nDC1 || p.nDC2 == q.nDC2;
-}
-
 double MidElevation(const DataType::_sZKDC& dc) { return (dc.dTopGC + dc.dBotGC) * 0.5; }
 
 // Every combination of equal codes, ordered by the borehole-1 index and then the borehole-2 index.
+// Inside the envelope of a stratum, that stratum's own occurrences are the envelope and pair with
+// nothing.
 void CollectPairs(const CorrelationState& state, const _sLinkRegion& region,
                   std::vector<DcPair>& pairs) {
   if (!(region.nBegin2 < region.nEnd2)) {
     return;
   }
-  const auto excluded = [&region](const std::wstring& code) {
-    return region.bNamed && code == region.strName;
-  };
+  const CodeIndex& codes = state.Codes();
+  const int32_t excluded = region.bNamed ? codes.IdOf(region.strName) : -1;
   const int32_t last1 = Normalised(region.nEnd1 - 1);
   const int32_t last2 = Normalised(region.nEnd2 - 1);
+  // The borehole-2 strata of the range grouped by code, each group in increasing index.
+  std::vector<std::pair<int32_t, int32_t>> byCode;
+  for (int32_t j = std::max(Normalised(region.nBegin2), 0); j <= last2; ++j) {
+    const int32_t id = codes.ids2[Index(j)];
+    if (id != excluded) {
+      byCode.emplace_back(id, j);
+    }
+  }
+  std::sort(byCode.begin(), byCode.end());
   for (int32_t i = std::max(Normalised(region.nBegin1), 0); i <= last1; ++i) {
-    const DataType::_sZKDC& dc1 = state.zk1.vecDC[Index(i)];
-    if (excluded(dc1.strName)) {
+    const int32_t id = codes.ids1[Index(i)];
+    if (id == excluded) {
       continue;
     }
-    for (int32_t j = std::max(Normalised(region.nBegin2), 0); j <= last2; ++j) {
-      const DataType::_sZKDC& dc2 = state.zk2.vecDC[Index(j)];
-      if (excluded(dc2.strName) || dc1.strName != dc2.strName) {
-        continue;
-      }
+    const auto first = std::lower_bound(byCode.begin(), byCode.end(), std::make_pair(id, -1));
+    const double mid1 = MidElevation(state.zk1.vecDC[Index(i)]);
+    for (auto it = first; it != byCode.end() && it->first == id; ++it) {
       DcPair pair;
       pair.nDC1 = i;
-      pair.nDC2 = j;
-      pair.dDiffGC = std::fabs(MidElevation(dc1) - MidElevation(dc2));
+      pair.nDC2 = it->second;
+      pair.dDiffGC = std::fabs(mid1 - MidElevation(state.zk2.vecDC[Index(it->second)]));
       pairs.push_back(pair);
     }
   }
 }
 
-// A dropped pair keeps dropping the later pairs that it crosses: the sweep does not stop comparing
-// a pair once it has lost. The pairs wrongly dropped this way are re-admitted afterwards.
-void DropCrossingPairs(std::vector<DcPair>& pairs) {
-  for (std::size_t a = 0; a < pairs.size(); ++a) {
-    if (pairs[a].bDrop) {
-      continue;
-    }
-    for (std::size_t b = a + 1; b < pairs.size(); ++b) {
-      if (pairs[b].bDrop || !Cross(pairs[a], pairs[b])) {
-        continue;
-      }
-      if (pairs[a].dDiffGC > pairs[b].dDiffGC) {
-        pairs[a].bDrop = true;
-      } else {
-        pairs[b].bDrop = true;
-      }
-    }
-  }
-}
+// The pairs of each borehole-1 index and of each borehole-2 index, for chaining.
+struct PairIndex {
+  std::vector<std::pair<int32_t, int32_t>> byRow;    // (nDC1, position), sorted
+  std::vector<std::pair<int32_t, int32_t>> byColumn; // (nDC2, position), sorted
 
-// Gives the dropped pairs that contradict no kept pair a second chance, the least contradicted
-// first: pairs that share no stratum with a kept pair go first (key 0), then by their key.
-void ReadmitDroppedPairs(std::vector<DcPair>& pairs) {
-  std::vector<DcPair*> candidates;
-  for (DcPair& pair : pairs) {
-    if (pair.bDrop) {
-      candidates.push_back(&pair);
+  explicit PairIndex(const std::vector<DcPair>& pairs) {
+    for (std::size_t p = 0; p < pairs.size(); ++p) {
+      byRow.emplace_back(pairs[p].nDC1, static_cast<int32_t>(p));
+      byColumn.emplace_back(pairs[p].nDC2, static_cast<int32_t>(p));
+    }
+    std::sort(byRow.begin(), byRow.end());
+    std::sort(byColumn.begin(), byColumn.end());
+  }
+};
+
+// Marks consumed every unconsumed pair whose key (row or column) equals `value` and returns the
+// greatest other index among them, or -1 with found false when there is none.
+template <class OtherIndex>
+int32_t ConsumeAt(std::vector<DcPair>& pairs, const std::vector<std::pair<int32_t, int32_t>>& keyed,
+                  int32_t value, OtherIndex other, bool& found) {
+  found = false;
+  int32_t m = -1;
+  for (auto it = std::lower_bound(keyed.begin(), keyed.end(), std::make_pair(value, -1));
+       it != keyed.end() && it->first == value; ++it) {
+    DcPair& pair = pairs[Index(it->second)];
+    if (!pair.bDrop) {
+      pair.bDrop = true;
+      m = found ? std::max(m, other(pair)) : other(pair);
+      found = true;
     }
   }
-  std::erase_if(candidates, [&pairs](DcPair* candidate) {
-    bool shares = false;
-    for (const DcPair& kept : pairs) {
-      if (kept.bDrop) {
-        continue;
-      }
-      if (Cross(*candidate, kept)) {
-        return true;
-      }
-      shares = shares || SharesStratum(*candidate, kept);
-    }
-    if (!shares) {
-      candidate->dDiffGC = 0.0;
-    }
-    return false;
-  });
-  // Stable: many candidates share the key 0, and of two crossing ones the first must win.
-  std::stable_sort(candidates.begin(), candidates.end(),
-                   [](const DcPair* a, const DcPair* b) { return a->dDiffGC < b->dDiffGC; });
-  std::vector<const DcPair*> readmitted;
-  for (DcPair* candidate : candidates) {
-    const bool crosses =
-        std::any_of(readmitted.begin(), readmitted.end(),
-                    [candidate](const DcPair* other) { return Cross(*candidate, *other); });
-    if (!crosses) {
-      candidate->bDrop = false;
-      readmitted.push_back(candidate);
-    }
-  }
+  return m;
 }
 
 } // namespace
@@ -140,46 +112,35 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
   if (region.nBegin1 < region.nEnd1) {
     MatchCommonStrata(state, region, pairs);
   }
+  const PairIndex index(pairs);
+  const auto row = [](const DcPair& pair) { return pair.nDC1; };
+  const auto column = [](const DcPair& pair) { return pair.nDC2; };
   _sLinkRegion sub;
-  for (const DcPair& first : pairs) {
-    if (first.bDrop) {
+  for (std::size_t p = 0; p < pairs.size(); ++p) {
+    if (pairs[p].bDrop) {
       continue; // consumed by an earlier sub-region
     }
     sub.nType = 0;
     sub.bNamed = true;
-    sub.strName = state.zk1.vecDC[Index(first.nDC1)].strName;
-    int32_t i1 = first.nDC1;
-    int32_t i2 = first.nDC2;
+    sub.strName = state.zk1.vecDC[Index(pairs[p].nDC1)].strName;
+    int32_t i1 = pairs[p].nDC1;
+    int32_t i2 = pairs[p].nDC2;
     sub.nBegin1 = Normalised(i1);
     sub.nBegin2 = Normalised(i2);
     // Chain the pairs that share a stratum with the group: a code repeated in one hole makes one
     // envelope from its first to its last occurrence there.
     for (;;) {
-      int32_t m = -1;
       bool found = false;
-      for (DcPair& pair : pairs) {
-        if (!pair.bDrop && pair.nDC1 == i1) {
-          pair.bDrop = true;
-          m = found ? std::max(m, pair.nDC2) : pair.nDC2;
-          found = true;
-        }
-      }
+      const int32_t m2 = ConsumeAt(pairs, index.byRow, i1, column, found);
       if (!found) {
         break;
       }
-      i2 = m;
-      found = false;
-      for (DcPair& pair : pairs) {
-        if (!pair.bDrop && pair.nDC2 == i2) {
-          pair.bDrop = true;
-          m = found ? std::max(m, pair.nDC1) : pair.nDC1;
-          found = true;
-        }
-      }
+      i2 = m2;
+      const int32_t m1 = ConsumeAt(pairs, index.byColumn, i2, row, found);
       if (!found) {
         break;
       }
-      i1 = m;
+      i1 = m1;
     }
     sub.nEnd1 = Normalised(i1 + 1);
     sub.nEnd2 = Normalised(i2 + 1);

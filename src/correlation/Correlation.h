@@ -3,6 +3,8 @@
 // the state's stratum lists, never copies of strata.
 #pragma once
 
+#include "correlation/CodeIndex.h"
+
 #include <XKLinkDc/XKLinkDc.h>
 
 #include <cstdint>
@@ -17,6 +19,15 @@ struct CorrelationState {
   DataType::_sZK zk1;
   DataType::_sZK zk2;
   double dDist = 0.0;
+
+  // The codes of zk1 and zk2 interned, built on first use after the boreholes were set.
+  const xkl::CodeIndex& Codes() const;
+  // To be called whenever zk1 or zk2 change.
+  void ForgetCodes() { m_codesBuilt = false; }
+
+private:
+  mutable xkl::CodeIndex m_codes;
+  mutable bool m_codesBuilt = false;
 };
 
 } // namespace XKLinkDc

@@ -1,6 +1,14 @@
 // The module-wide correlation state and the boundary elevations that every region corner uses.
 #include "correlation/Correlation.h"
 
+const xkl::CodeIndex& XKLinkDc::CorrelationState::Codes() const {
+  if (!m_codesBuilt) {
+    m_codes = xkl::CodeIndex::Build(zk1, zk2);
+    m_codesBuilt = true;
+  }
+  return m_codes;
+}
+
 namespace xkl {
 
 CorrelationState g_state;

@@ -135,6 +135,7 @@ void SplitAndCloseRegion(const CorrelationState& state, const _sLinkRegion& regi
 void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root) {
   state.zk1 = zk1;
   state.zk2 = zk2;
+  state.ForgetCodes();
   const double dy = state.zk1.dY - state.zk2.dY;
   const double dx = state.zk1.dX - state.zk2.dX;
   state.dDist = std::sqrt(dy * dy + dx * dx);

@@ -1,0 +1,24 @@
+// Stratum codes interned to small integers once per correlation, so that the hot loops compare
+// integers instead of strings. Ids follow the ordinal order of the codes.
+#pragma once
+
+#include <XKLinkDc/XKLinkDc.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace xkl {
+
+struct CodeIndex {
+  std::vector<std::wstring> codes; // distinct codes of both boreholes, in ordinal order
+  std::vector<int32_t> ids1;       // code id of every stratum of borehole 1
+  std::vector<int32_t> ids2;       // code id of every stratum of borehole 2
+
+  static CodeIndex Build(const DataType::_sZK& zk1, const DataType::_sZK& zk2);
+  // The id of a code, or -1 when neither borehole carries it.
+  int32_t IdOf(const std::wstring& code) const;
+  int32_t Count() const { return static_cast<int32_t>(codes.size()); }
+};
+
+} // namespace xkl
