@@ -34,7 +34,8 @@ void CollectPairs(const CorrelationState& state, const _sLinkRegion& region,
   const int32_t last1 = Normalised(region.nEnd1 - 1);
   const int32_t last2 = Normalised(region.nEnd2 - 1);
   // The borehole-2 strata of the range grouped by code, each group in increasing index.
-  std::vector<std::pair<int32_t, int32_t>> byCode;
+  std::vector<std::pair<int32_t, int32_t>>& byCode = state.Work().byCode;
+  byCode.clear();
   for (int32_t j = std::max(Normalised(region.nBegin2), 0); j <= last2; ++j) {
     const int32_t id = codes.ids2[Index(j)];
     if (id != excluded) {
@@ -42,6 +43,17 @@ void CollectPairs(const CorrelationState& state, const _sLinkRegion& region,
     }
   }
   std::sort(byCode.begin(), byCode.end());
+  // Count first: the pairs of two long logs run into the hundreds of thousands.
+  std::size_t count = pairs.size();
+  for (int32_t i = std::max(Normalised(region.nBegin1), 0); i <= last1; ++i) {
+    const int32_t id = codes.ids1[Index(i)];
+    if (id != excluded) {
+      const auto range = std::equal_range(byCode.begin(), byCode.end(), std::make_pair(id, -1),
+                                          [](const auto& a, const auto& b) { return a.first < b.first; });
+      count += static_cast<std::size_t>(range.second - range.first);
+    }
+  }
+  pairs.reserve(count);
   for (int32_t i = std::max(Normalised(region.nBegin1), 0); i <= last1; ++i) {
     const int32_t id = codes.ids1[Index(i)];
     if (id == excluded) {
@@ -98,7 +110,7 @@ int32_t ConsumeAt(std::vector<DcPair>& pairs, const std::vector<std::pair<int32_
 void MatchCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
                        std::vector<DcPair>& pairs) {
   CollectPairs(state, region, pairs);
-  DropCrossingPairs(pairs);
+  DropCrossingPairs(pairs, state.Work().sweep);
   ReadmitDroppedPairs(pairs);
   std::erase_if(pairs, [](const DcPair& pair) { return pair.bDrop; });
 }
@@ -108,7 +120,8 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
   if (region.nType != 0) {
     return;
   }
-  std::vector<DcPair> pairs;
+  std::vector<DcPair>& pairs = state.Work().pairs;
+  pairs.clear();
   if (region.nBegin1 < region.nEnd1) {
     MatchCommonStrata(state, region, pairs);
   }

@@ -8,8 +8,13 @@
 #include <XKLinkDc/XKLinkDc.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
+
+namespace xkl {
+struct Workspace;
+}
 
 namespace XKLinkDc {
 
@@ -20,14 +25,24 @@ struct CorrelationState {
   DataType::_sZK zk2;
   double dDist = 0.0;
 
+  CorrelationState();
+  CorrelationState(const CorrelationState& other); // the boreholes and distance only
+  CorrelationState& operator=(const CorrelationState& other);
+  ~CorrelationState();
+
   // The codes of zk1 and zk2 interned, built on first use after the boreholes were set.
   const xkl::CodeIndex& Codes() const;
   // To be called whenever zk1 or zk2 change.
   void ForgetCodes() { m_codesBuilt = false; }
+  // Reusable working storage of the splitting passes, created on first use.
+  xkl::Workspace& Work() const;
+  // Returns the working storage to the system (at the end of a correlation).
+  void ReleaseWork() const;
 
 private:
   mutable xkl::CodeIndex m_codes;
   mutable bool m_codesBuilt = false;
+  mutable std::unique_ptr<xkl::Workspace> m_work;
 };
 
 } // namespace XKLinkDc

@@ -1,5 +1,32 @@
 // The module-wide correlation state and the boundary elevations that every region corner uses.
 #include "correlation/Correlation.h"
+#include "correlation/CrossingResolution.h"
+
+XKLinkDc::CorrelationState::CorrelationState() = default;
+XKLinkDc::CorrelationState::~CorrelationState() = default;
+
+XKLinkDc::CorrelationState::CorrelationState(const CorrelationState& other)
+    : zk1(other.zk1), zk2(other.zk2), dDist(other.dDist) {}
+
+XKLinkDc::CorrelationState&
+XKLinkDc::CorrelationState::operator=(const CorrelationState& other) {
+  if (this != &other) {
+    zk1 = other.zk1;
+    zk2 = other.zk2;
+    dDist = other.dDist;
+    m_codesBuilt = false;
+  }
+  return *this;
+}
+
+xkl::Workspace& XKLinkDc::CorrelationState::Work() const {
+  if (!m_work) {
+    m_work = std::make_unique<xkl::Workspace>();
+  }
+  return *m_work;
+}
+
+void XKLinkDc::CorrelationState::ReleaseWork() const { m_work.reset(); }
 
 const xkl::CodeIndex& XKLinkDc::CorrelationState::Codes() const {
   if (!m_codesBuilt) {

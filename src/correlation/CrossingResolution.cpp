@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <limits>
 
 namespace xkl {
 
@@ -10,57 +11,54 @@ namespace {
 
 std::size_t Index(int32_t i) { return static_cast<std::size_t>(i); }
 
-// Ranks of the keys: equal keys share a rank, and a key that is not a number ranks above all
-// others. The pairwise rule "drop b unless a's key is greater" then reads "drop b when
-// rank(b) >= rank(a)", and "drop a when a's key is greater" reads "rank(b) < rank(a)", NaN included.
-std::vector<int32_t> RankKeys(const std::vector<DcPair>& pairs, int32_t& nanRank) {
-  std::vector<double> keys;
-  keys.reserve(pairs.size());
-  for (const DcPair& pair : pairs) {
-    if (!std::isnan(pair.dDiffGC)) {
-      keys.push_back(pair.dDiffGC);
-    }
-  }
-  std::sort(keys.begin(), keys.end());
-  keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
-  nanRank = static_cast<int32_t>(keys.size());
-  std::vector<int32_t> ranks;
-  ranks.reserve(pairs.size());
-  for (const DcPair& pair : pairs) {
-    ranks.push_back(std::isnan(pair.dDiffGC)
-                        ? nanRank
-                        : static_cast<int32_t>(std::lower_bound(keys.begin(), keys.end(),
-                                                                pair.dDiffGC) -
-                                               keys.begin()));
-  }
-  return ranks;
+// The sweep key of a pair. The pairwise rule "drop b unless a's key is greater" and "drop a when
+// a's key is greater" treat a key that is not a number exactly like +infinity on b's side: b is
+// always dropped and never drops a. On a's side a NaN key drops every crossing pair and never a
+// itself, which the sweep handles apart.
+double SweepKey(double dDiffGC) {
+  return std::isnan(dDiffGC) ? std::numeric_limits<double>::infinity() : dDiffGC;
 }
 
+constexpr double kNoKey = -std::numeric_limits<double>::infinity(); // greatest key of no pair
+constexpr double kBelowAllKeys = -1.0; // keys are absolute differences, never below 0
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
 // The live pairs of the rows below the sweep, by borehole-2 column. Each column keeps its pairs
-// sorted by key rank; pairs leave a column from either end (lazily, by a flag) or are dropped from
-// its top. A segment tree over the columns holds the least and greatest rank still live.
+// sorted by key (stored flat, column after column); pairs leave a column from either end (lazily,
+// by a flag) or are dropped from its top. A segment tree over the columns holds the least and
+// greatest key still live.
 class ColumnTree {
 public:
-  ColumnTree(const std::vector<int32_t>& column, const std::vector<int32_t>& rank,
-             const std::vector<bool>& live, int32_t columnCount)
-      : m_rank(rank), m_live(live), m_columns(Index(columnCount)), m_lo(Index(columnCount), 0),
-        m_hi(Index(columnCount), 0) {
-    for (std::size_t p = 0; p < column.size(); ++p) {
-      if (m_live[p]) {
-        m_columns[Index(column[p])].push_back(static_cast<int32_t>(p));
+  ColumnTree(SweepBuffers& buffers, std::size_t columnCount) : m(buffers) {
+    const std::size_t count = m.column.size();
+    m.offset.assign(columnCount + 1, 0);
+    for (std::size_t p = 0; p < count; ++p) {
+      if (m.live[p]) {
+        ++m.offset[Index(m.column[p]) + 1];
+      }
+    }
+    for (std::size_t c = 0; c < columnCount; ++c) {
+      m.offset[c + 1] += m.offset[c];
+    }
+    m.entries.resize(Index(m.offset[columnCount]));
+    m.lo.assign(m.offset.begin(), m.offset.end() - 1);
+    m.hi.assign(m.offset.begin(), m.offset.end() - 1); // used as fill cursors first
+    for (std::size_t p = 0; p < count; ++p) {
+      if (m.live[p]) {
+        m.entries[Index(m.hi[Index(m.column[p])]++)] = static_cast<int32_t>(p);
       }
     }
     m_size = 1;
-    while (m_size < m_columns.size()) {
+    while (m_size < columnCount) {
       m_size *= 2;
     }
-    m_min.assign(2 * m_size, INT_MAX);
-    m_max.assign(2 * m_size, -1);
-    for (std::size_t c = 0; c < m_columns.size(); ++c) {
-      auto& entries = m_columns[c];
-      std::stable_sort(entries.begin(), entries.end(),
-                       [this](int32_t a, int32_t b) { return m_rank[Index(a)] < m_rank[Index(b)]; });
-      m_hi[c] = static_cast<int32_t>(entries.size()) - 1;
+    m.treeMin.assign(2 * m_size, kInfinity);
+    m.treeMax.assign(2 * m_size, kNoKey);
+    for (std::size_t c = 0; c < columnCount; ++c) {
+      const auto first = m.entries.begin() + m.offset[c];
+      const auto last = m.entries.begin() + m.offset[c + 1];
+      std::sort(first, last, [this](int32_t a, int32_t b) { return m.key[Index(a)] < m.key[Index(b)]; });
+      --m.hi[c]; // last entry of the column
       Refresh(c, false);
     }
     for (std::size_t node = m_size - 1; node >= 1; --node) {
@@ -71,17 +69,17 @@ public:
   // The pair has left the structure (its flag in `live` is already cleared).
   void Leave(int32_t column) { Refresh(Index(column), true); }
 
-  // Least live rank among columns [0, end).
-  int32_t MinRank(int32_t end) const {
-    int32_t best = INT_MAX;
+  // Least live key among columns [0, end); +infinity when there is none.
+  double MinKey(int32_t end) const {
+    double best = kInfinity;
     std::size_t lo = m_size;
     std::size_t hi = m_size + Index(end);
     while (lo < hi) {
       if (lo & 1) {
-        best = std::min(best, m_min[lo++]);
+        best = std::min(best, m.treeMin[lo++]);
       }
       if (hi & 1) {
-        best = std::min(best, m_min[--hi]);
+        best = std::min(best, m.treeMin[--hi]);
       }
       lo >>= 1;
       hi >>= 1;
@@ -89,33 +87,32 @@ public:
     return best;
   }
 
-  // Removes every live pair of columns [0, end) whose rank is at least `threshold`, calling
+  // Removes every live pair of columns [0, end) whose key is at least `threshold`, calling
   // drop(pair) for each.
-  template <class Drop> void DropFrom(int32_t end, int32_t threshold, Drop&& drop) {
+  template <class Drop> void DropFrom(int32_t end, double threshold, Drop&& drop) {
     DropIn(1, 0, m_size, Index(end), threshold, drop);
   }
 
 private:
   template <class Drop>
   void DropIn(std::size_t node, std::size_t nodeLo, std::size_t nodeHi, std::size_t end,
-              int32_t threshold, Drop& drop) {
-    if (nodeLo >= end || m_max[node] < threshold) {
+              double threshold, Drop& drop) {
+    if (nodeLo >= end || m.treeMax[node] < threshold) {
       return;
     }
     if (node >= m_size) {
       const std::size_t c = node - m_size;
-      auto& entries = m_columns[c];
-      while (m_hi[c] >= m_lo[c]) {
-        const int32_t p = entries[Index(m_hi[c])];
-        if (m_live[Index(p)]) {
-          if (m_rank[Index(p)] < threshold) {
+      while (m.hi[c] >= m.lo[c]) {
+        const int32_t p = m.entries[Index(m.hi[c])];
+        if (m.live[Index(p)]) {
+          if (m.key[Index(p)] < threshold) {
             break;
           }
           drop(p);
         }
-        --m_hi[c];
+        --m.hi[c];
       }
-      Refresh(c, true);
+      Refresh(c, false);
       return;
     }
     const std::size_t mid = (nodeLo + nodeHi) / 2;
@@ -125,26 +122,25 @@ private:
   }
 
   void Pull(std::size_t node) {
-    m_min[node] = std::min(m_min[2 * node], m_min[2 * node + 1]);
-    m_max[node] = std::max(m_max[2 * node], m_max[2 * node + 1]);
+    m.treeMin[node] = std::min(m.treeMin[2 * node], m.treeMin[2 * node + 1]);
+    m.treeMax[node] = std::max(m.treeMax[2 * node], m.treeMax[2 * node + 1]);
   }
 
-  // Skips pairs that have left at both ends of a column and stores its least and greatest rank.
+  // Skips pairs that have left at both ends of a column and stores its least and greatest key.
   void Refresh(std::size_t c, bool propagate) {
-    const auto& entries = m_columns[c];
-    while (m_lo[c] <= m_hi[c] && !m_live[Index(entries[Index(m_lo[c])])]) {
-      ++m_lo[c];
+    while (m.lo[c] <= m.hi[c] && !m.live[Index(m.entries[Index(m.lo[c])])]) {
+      ++m.lo[c];
     }
-    while (m_hi[c] >= m_lo[c] && !m_live[Index(entries[Index(m_hi[c])])]) {
-      --m_hi[c];
+    while (m.hi[c] >= m.lo[c] && !m.live[Index(m.entries[Index(m.hi[c])])]) {
+      --m.hi[c];
     }
     std::size_t node = m_size + c;
-    if (m_lo[c] <= m_hi[c]) {
-      m_min[node] = m_rank[Index(entries[Index(m_lo[c])])];
-      m_max[node] = m_rank[Index(entries[Index(m_hi[c])])];
+    if (m.lo[c] <= m.hi[c]) {
+      m.treeMin[node] = m.key[Index(m.entries[Index(m.lo[c])])];
+      m.treeMax[node] = m.key[Index(m.entries[Index(m.hi[c])])];
     } else {
-      m_min[node] = INT_MAX;
-      m_max[node] = -1;
+      m.treeMin[node] = kInfinity;
+      m.treeMax[node] = kNoKey;
     }
     if (propagate) {
       for (node >>= 1; node >= 1; node >>= 1) {
@@ -153,14 +149,8 @@ private:
     }
   }
 
-  const std::vector<int32_t>& m_rank;
-  const std::vector<bool>& m_live;
-  std::vector<std::vector<int32_t>> m_columns;
-  std::vector<int32_t> m_lo;
-  std::vector<int32_t> m_hi;
+  SweepBuffers& m;
   std::size_t m_size = 1;
-  std::vector<int32_t> m_min;
-  std::vector<int32_t> m_max;
 };
 
 // Prefix maximum (or, with negated values, minimum) over row indices, for growing sets.
@@ -187,32 +177,28 @@ private:
 
 } // namespace
 
-void DropCrossingPairs(std::vector<DcPair>& pairs) {
+void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
   if (pairs.size() < 2) {
     return;
   }
-  // Borehole-2 indices compressed to columns.
-  std::vector<int32_t> values;
-  values.reserve(pairs.size());
+  int32_t lowest = pairs.front().nDC2;
+  int32_t highest = lowest;
   for (const DcPair& pair : pairs) {
-    values.push_back(pair.nDC2);
+    lowest = std::min(lowest, pair.nDC2);
+    highest = std::max(highest, pair.nDC2);
   }
-  std::sort(values.begin(), values.end());
-  values.erase(std::unique(values.begin(), values.end()), values.end());
-  std::vector<int32_t> column;
-  column.reserve(pairs.size());
-  for (const DcPair& pair : pairs) {
-    column.push_back(
-        static_cast<int32_t>(std::lower_bound(values.begin(), values.end(), pair.nDC2) -
-                             values.begin()));
-  }
-  int32_t nanRank = 0;
-  const std::vector<int32_t> rank = RankKeys(pairs, nanRank);
-  std::vector<bool> live(pairs.size());
+  std::vector<int32_t>& column = buffers.column;
+  std::vector<double>& key = buffers.key;
+  std::vector<uint8_t>& live = buffers.live;
+  column.resize(pairs.size());
+  key.resize(pairs.size());
+  live.resize(pairs.size());
   for (std::size_t p = 0; p < pairs.size(); ++p) {
-    live[p] = !pairs[p].bDrop;
+    column[p] = pairs[p].nDC2 - lowest;
+    key[p] = SweepKey(pairs[p].dDiffGC);
+    live[p] = pairs[p].bDrop ? 0 : 1;
   }
-  ColumnTree tree(column, rank, live, static_cast<int32_t>(values.size()));
+  ColumnTree tree(buffers, Index(highest - lowest + 1));
 
   // Rows are processed in order; the tree holds the live pairs of the rows after the current one,
   // which are exactly the later pairs that can cross a pair of the current row.
@@ -224,7 +210,7 @@ void DropCrossingPairs(std::vector<DcPair>& pairs) {
     }
     for (std::size_t p = rowBegin; p < rowEnd; ++p) {
       if (live[p]) {
-        live[p] = false;
+        live[p] = 0;
         tree.Leave(column[p]);
       }
     }
@@ -235,12 +221,12 @@ void DropCrossingPairs(std::vector<DcPair>& pairs) {
       // The later pairs that cross a lie in later rows and in earlier columns.
       const int32_t end = column[a];
       const bool aIsNan = std::isnan(pairs[a].dDiffGC);
-      if (!aIsNan && tree.MinRank(end) < rank[a]) {
+      if (!aIsNan && tree.MinKey(end) < key[a]) {
         pairs[a].bDrop = true;
       }
-      tree.DropFrom(end, aIsNan ? 0 : rank[a], [&pairs, &live](int32_t b) {
+      tree.DropFrom(end, aIsNan ? kBelowAllKeys : key[a], [&pairs, &live](int32_t b) {
         pairs[Index(b)].bDrop = true;
-        live[Index(b)] = false;
+        live[Index(b)] = 0;
       });
     }
     rowBegin = rowEnd;

@@ -141,6 +141,8 @@ void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLink
   state.dDist = std::sqrt(dy * dy + dx * dx);
   InitRootRegion(state, root);
   LinkRegion(state, root, false);
+  // The buffers of a long log would otherwise stay with the module until the next call.
+  state.ReleaseWork();
 }
 
 } // namespace xkl
