@@ -135,6 +135,8 @@ private:
       --m.hi[c];
     }
     std::size_t node = m_size + c;
+    const double oldMin = m.treeMin[node];
+    const double oldMax = m.treeMax[node];
     if (m.lo[c] <= m.hi[c]) {
       m.treeMin[node] = m.key[Index(m.entries[Index(m.lo[c])])];
       m.treeMax[node] = m.key[Index(m.entries[Index(m.hi[c])])];
@@ -142,7 +144,8 @@ private:
       m.treeMin[node] = kInfinity;
       m.treeMax[node] = kNoKey;
     }
-    if (propagate) {
+    // Keys are never NaN here, so equality tells whether the ancestors need updating.
+    if (propagate && (m.treeMin[node] != oldMin || m.treeMax[node] != oldMax)) {
       for (node >>= 1; node >= 1; node >>= 1) {
         Pull(node);
       }
