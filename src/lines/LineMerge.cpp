@@ -7,29 +7,173 @@
 
 #include "records/CompareDouble.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <tuple>
+
 namespace xkl {
 
-void MergeSameLines(LineList& lines) {
-  for (std::ptrdiff_t i = static_cast<std::ptrdiff_t>(lines.size()) - 1; i >= 0; --i) {
-    const auto iu = static_cast<std::size_t>(i);
-    std::ptrdiff_t j = i - 1;
-    while (j >= 0 && !lines[static_cast<std::size_t>(j)].IsSame(lines[iu])) {
-      --j;
+namespace {
+
+bool HasNaN(const _sLinkLine& line) {
+  return std::isnan(line.pt1.x) || std::isnan(line.pt1.y) || std::isnan(line.pt1.z) ||
+         std::isnan(line.pt2.x) || std::isnan(line.pt2.y) || std::isnan(line.pt2.z);
+}
+
+// Lines are found again by the elevations of their two ends on a grid of cells 1e-4 high: two
+// elevations equal within the 1e-5 tolerance lie in the same or in neighbouring cells. Elevations
+// that are not finite or beyond a million units do not fit the grid; such lines are compared with
+// every other line, as are the few lines that might equal them.
+constexpr double kCellsPerUnit = 1e4;
+constexpr double kGridLimit = 1e6;
+
+bool OnGrid(const _sLinkLine& line) {
+  return std::fabs(line.pt1.z) < kGridLimit && std::fabs(line.pt2.z) < kGridLimit;
+}
+
+struct Cell {
+  int64_t z1;
+  int64_t z2;
+  std::size_t line;
+  bool operator<(const Cell& other) const {
+    return std::tie(z1, z2, line) < std::tie(other.z1, other.z2, other.line);
+  }
+};
+
+int64_t CellOf(double z) { return static_cast<int64_t>(std::floor(z * kCellsPerUnit)); }
+
+// The walk from the last line to the first, each line looking for the nearest earlier line that is
+// the same, with lines taken out as they merge. Positions in the vector are replaced by the lines'
+// original indices: removals keep the order of the others.
+class LineMerger {
+public:
+  explicit LineMerger(LineList& lines) : m_lines(lines), m_alive(lines.size(), 1) {
+    m_previous.resize(lines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      m_previous[i] = static_cast<std::ptrdiff_t>(i) - 1;
     }
-    if (j < 0) {
-      continue;
+    m_next.resize(lines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      m_next[i] = i + 1;
     }
-    const auto ju = static_cast<std::size_t>(j);
-    if (lines[iu].bBottom) {
-      // A region's bottom survives and takes the name of the region below it. It moves down to
-      // i - 1 and is examined once more, so it may absorb a further coinciding line.
-      lines[iu].strDownName = lines[ju].strUpName;
-      lines.erase(lines.begin() + j);
-    } else {
-      lines[ju].strDownName = lines[iu].strUpName;
-      lines.erase(lines.begin() + i);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      if (HasNaN(lines[i])) {
+        continue; // a NaN coordinate equals nothing, not even itself
+      }
+      if (OnGrid(lines[i])) {
+        m_grid.push_back({CellOf(lines[i].pt1.z), CellOf(lines[i].pt2.z), i});
+      } else {
+        m_offGrid.push_back(i);
+      }
+    }
+    std::sort(m_grid.begin(), m_grid.end());
+  }
+
+  void Run() {
+    std::ptrdiff_t cursor = static_cast<std::ptrdiff_t>(m_lines.size()) - 1;
+    while (cursor >= 0) {
+      const auto i = static_cast<std::size_t>(cursor);
+      const std::ptrdiff_t found = NearestSameBefore(i);
+      if (found < 0) {
+        cursor = m_previous[i];
+        continue;
+      }
+      const auto j = static_cast<std::size_t>(found);
+      if (m_lines[i].bBottom) {
+        // A region's bottom survives and takes the name of the region below it; it is examined
+        // once more, so it may absorb a further coinciding line.
+        m_lines[i].strDownName = m_lines[j].strUpName;
+        Remove(j);
+      } else {
+        m_lines[j].strDownName = m_lines[i].strUpName;
+        Remove(i);
+        cursor = m_previous[i];
+      }
+    }
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < m_lines.size(); ++i) {
+      if (m_alive[i]) {
+        if (kept != i) {
+          m_lines[kept] = std::move(m_lines[i]);
+        }
+        ++kept;
+      }
+    }
+    m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(kept), m_lines.end());
+  }
+
+private:
+  void Remove(std::size_t i) {
+    m_alive[i] = 0;
+    if (m_next[i] < m_lines.size()) {
+      m_previous[m_next[i]] = m_previous[i];
+    }
+    if (m_previous[i] >= 0) {
+      m_next[static_cast<std::size_t>(m_previous[i])] = m_next[i];
     }
   }
+
+  bool Matches(std::size_t candidate, std::size_t i) const {
+    return candidate < i && m_alive[candidate] && m_lines[candidate].IsSame(m_lines[i]);
+  }
+
+  std::ptrdiff_t NearestSameBefore(std::size_t i) const {
+    const _sLinkLine& line = m_lines[i];
+    if (HasNaN(line)) {
+      return -1;
+    }
+    std::ptrdiff_t best = -1;
+    const auto consider = [&](std::size_t candidate) {
+      if (static_cast<std::ptrdiff_t>(candidate) > best && Matches(candidate, i)) {
+        best = static_cast<std::ptrdiff_t>(candidate);
+      }
+    };
+    if (!OnGrid(line)) {
+      for (std::size_t c = i; c-- > 0;) {
+        if (Matches(c, i)) {
+          return static_cast<std::ptrdiff_t>(c);
+        }
+      }
+      return -1;
+    }
+    for (const std::size_t c : m_offGrid) {
+      consider(c);
+    }
+    const int64_t z1 = CellOf(line.pt1.z);
+    const int64_t z2 = CellOf(line.pt2.z);
+    for (int64_t d1 = -1; d1 <= 1; ++d1) {
+      for (int64_t d2 = -1; d2 <= 1; ++d2) {
+        // Lines of one cell stand in increasing index: walk down from i.
+        auto it = std::lower_bound(m_grid.begin(), m_grid.end(), Cell{z1 + d1, z2 + d2, i});
+        while (it != m_grid.begin()) {
+          --it;
+          if (it->z1 != z1 + d1 || it->z2 != z2 + d2 ||
+              static_cast<std::ptrdiff_t>(it->line) <= best) {
+            break;
+          }
+          if (Matches(it->line, i)) {
+            best = static_cast<std::ptrdiff_t>(it->line);
+            break;
+          }
+        }
+      }
+    }
+    return best;
+  }
+
+  LineList& m_lines;
+  std::vector<uint8_t> m_alive;
+  std::vector<std::ptrdiff_t> m_previous;
+  std::vector<std::size_t> m_next;
+  std::vector<Cell> m_grid;
+  std::vector<std::size_t> m_offGrid;
+};
+
+} // namespace
+
+void MergeSameLines(LineList& lines) {
+  LineMerger(lines).Run();
   for (_sLinkLine& line : lines) {
     line.bBottom = false;
   }
