@@ -34,6 +34,14 @@ CodeIndex CodeIndex::Build(const DataType::_sZK& zk1, const DataType::_sZK& zk2)
   return index;
 }
 
+uint32_t CodeIndex::NextMark() const {
+  if (seen.size() != codes.size() || mark == UINT32_MAX) {
+    seen.assign(codes.size(), 0);
+    mark = 0;
+  }
+  return ++mark;
+}
+
 int32_t CodeIndex::IdOf(const std::wstring& code) const {
   const auto it = std::lower_bound(codes.begin(), codes.end(), code);
   if (it == codes.end() || *it != code) {

@@ -19,6 +19,11 @@ struct CodeIndex {
   // The id of a code, or -1 when neither borehole carries it.
   int32_t IdOf(const std::wstring& code) const;
   int32_t Count() const { return static_cast<int32_t>(codes.size()); }
+
+  // A fresh mark for `seen`: codes marked with it were seen in the current scan.
+  uint32_t NextMark() const;
+  mutable std::vector<uint32_t> seen; // per code id, the mark of the scan that last saw it
+  mutable uint32_t mark = 0;
 };
 
 } // namespace xkl

@@ -100,23 +100,21 @@ bool HasCommonStratum(const CorrelationState& state, const _sLinkRegion& region)
   if (!(region.nBegin1 < region.nEnd1) || !(region.nBegin2 < region.nEnd2)) {
     return false;
   }
-  const int32_t last1 = LastIndex(region.nEnd1);
-  const int32_t last2 = LastIndex(region.nEnd2);
+  const CodeIndex& codes = state.Codes();
   // Inside the envelope of a stratum, that stratum's own occurrences do not correlate anything:
   // they are the envelope itself.
-  const auto excluded = [&region](const std::wstring& code) {
-    return region.bNamed && code == region.strName;
-  };
-  for (int32_t i1 = region.nBegin1 < 0 ? 0 : region.nBegin1; i1 <= last1; ++i1) {
-    const std::wstring& code1 = state.zk1.vecDC[Index(i1)].strName;
-    if (excluded(code1)) {
-      continue;
+  const int32_t excluded = region.bNamed ? codes.IdOf(region.strName) : -1;
+  const uint32_t mark = codes.NextMark();
+  for (int32_t i2 = region.nBegin2 < 0 ? 0 : region.nBegin2; i2 <= LastIndex(region.nEnd2); ++i2) {
+    const int32_t id = codes.ids2[Index(i2)];
+    if (id != excluded) {
+      codes.seen[Index(id)] = mark;
     }
-    for (int32_t i2 = region.nBegin2 < 0 ? 0 : region.nBegin2; i2 <= last2; ++i2) {
-      const std::wstring& code2 = state.zk2.vecDC[Index(i2)].strName;
-      if (!excluded(code2) && code1 == code2) {
-        return true;
-      }
+  }
+  for (int32_t i1 = region.nBegin1 < 0 ? 0 : region.nBegin1; i1 <= LastIndex(region.nEnd1); ++i1) {
+    const int32_t id = codes.ids1[Index(i1)];
+    if (id != excluded && codes.seen[Index(id)] == mark) {
+      return true;
     }
   }
   return false;

@@ -6,6 +6,8 @@
 #include "records/CompareDouble.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
 
 namespace xkl {
 
@@ -18,27 +20,6 @@ double RunThickness(const _sZK& zk, const DcRun& run) {
     return 0.0;
   }
   return zk.vecDC[Index(run.nBegin)].dTopGC - zk.vecDC[Index(run.nEnd - 1)].dBotGC;
-}
-
-// Whether `code` occurs a second time and may be fused: from its first occurrence up to (not
-// including) its second, no run may carry the region's own name, since the envelope of the region
-// must not be cut by another envelope.
-bool IsFusable(const DcRunList& list, const std::wstring& code) {
-  const std::wstring& regionName = list.pRegion->strName;
-  bool seen = false;
-  bool eligible = true;
-  for (const DcRun& run : list.vecRun) {
-    if (run.strName == code) {
-      if (seen) {
-        return eligible;
-      }
-      seen = true;
-    }
-    if (seen && run.strName == regionName) {
-      eligible = false;
-    }
-  }
-  return false;
 }
 
 } // namespace
@@ -63,33 +44,53 @@ void BuildDcRunList(const CorrelationState& state, DcRunList& list, const _sLink
   }
 }
 
+// A code is fused from its first to its last occurrence, swallowing what lies between, when it
+// occurs a second time and no run from its first occurrence up to (not including) its second
+// carries the region's own name: the envelope of the region must not be cut by another envelope.
+// Among several such codes, the thickness comparison of the last two (in order of first
+// occurrence) decides which is fused first; earlier comparisons would all be overwritten by it.
 bool FindRepeatedDc(const DcRunList& list, std::wstring& name) {
   const _sLinkRegion& region = *list.pRegion;
-  std::vector<const std::wstring*> candidates;
-  for (const DcRun& run : list.vecRun) {
-    const std::wstring& code = run.strName;
+  const std::vector<DcRun>& runs = list.vecRun;
+  struct Occurrences {
+    std::size_t first;
+    std::size_t second;
+  };
+  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  std::unordered_map<std::wstring_view, Occurrences> occurrences;
+  std::vector<std::wstring_view> byFirstOccurrence;
+  // namedBefore[k]: runs among the first k that carry the region's name.
+  std::vector<std::size_t> namedBefore(runs.size() + 1, 0);
+  for (std::size_t k = 0; k < runs.size(); ++k) {
+    const std::wstring_view code = runs[k].strName;
+    namedBefore[k + 1] = namedBefore[k] + (code == region.strName ? 1 : 0);
+    const auto [it, inserted] = occurrences.try_emplace(code, Occurrences{k, kNone});
+    if (inserted) {
+      byFirstOccurrence.push_back(code);
+    } else if (it->second.second == kNone) {
+      it->second.second = k;
+    }
+  }
+  std::vector<std::wstring_view> candidates;
+  for (const std::wstring_view code : byFirstOccurrence) {
     if (region.bNamed && code == region.strName) {
       continue;
     }
-    if (IsFusable(list, code) &&
-        std::none_of(candidates.begin(), candidates.end(),
-                     [&code](const std::wstring* c) { return *c == code; })) {
-      candidates.push_back(&code);
+    const Occurrences& o = occurrences.at(code);
+    if (o.second != kNone && namedBefore[o.second] == namedBefore[o.first]) {
+      candidates.push_back(code);
     }
   }
   if (candidates.empty()) {
     return false;
   }
-  const std::wstring* chosen = candidates.front();
-  // Every comparison overwrites the choice, so the last pair compared decides: this is how the
-  // host's sections have always been drawn, not a search for the thickest code.
-  for (std::size_t i = 1; i < candidates.size(); ++i) {
-    for (std::size_t j = i; j < candidates.size(); ++j) {
-      const int32_t cmp = CompareDcThickness(list, *candidates[i - 1], *candidates[j]);
-      chosen = cmp > 0 ? candidates[i - 1] : candidates[j];
-    }
+  if (candidates.size() == 1) {
+    name = candidates.front();
+    return true;
   }
-  name = *chosen;
+  const std::wstring a(candidates[candidates.size() - 2]);
+  const std::wstring b(candidates.back());
+  name = CompareDcThickness(list, a, b) > 0 ? a : b;
   return true;
 }
 
