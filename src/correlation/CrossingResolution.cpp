@@ -156,6 +156,74 @@ private:
   std::size_t m_size = 1;
 };
 
+bool Cross(const DcPair& p, const DcPair& q) {
+  if (p.nDC1 == q.nDC1 || p.nDC2 == q.nDC2) {
+    return false;
+  }
+  return (p.nDC1 < q.nDC1) != (p.nDC2 < q.nDC2);
+}
+
+// Below this many pairs, comparing every pair with every other is faster than building the trees.
+constexpr std::size_t kPairwiseLimit = 40;
+
+void DropCrossingPairsPairwise(std::vector<DcPair>& pairs) {
+  for (std::size_t a = 0; a < pairs.size(); ++a) {
+    if (pairs[a].bDrop) {
+      continue;
+    }
+    for (std::size_t b = a + 1; b < pairs.size(); ++b) {
+      if (pairs[b].bDrop || !Cross(pairs[a], pairs[b])) {
+        continue;
+      }
+      if (pairs[a].dDiffGC > pairs[b].dDiffGC) {
+        pairs[a].bDrop = true;
+      } else {
+        pairs[b].bDrop = true;
+      }
+    }
+  }
+}
+
+void ReadmitDroppedPairsPairwise(std::vector<DcPair>& pairs) {
+  DcPair* candidates[kPairwiseLimit];
+  std::size_t count = 0;
+  for (DcPair& candidate : pairs) {
+    if (!candidate.bDrop) {
+      continue;
+    }
+    bool crosses = false;
+    bool shares = false;
+    for (const DcPair& kept : pairs) {
+      if (kept.bDrop) {
+        continue;
+      }
+      if (Cross(candidate, kept)) {
+        crosses = true;
+        break;
+      }
+      shares = shares || kept.nDC1 == candidate.nDC1 || kept.nDC2 == candidate.nDC2;
+    }
+    if (crosses) {
+      continue;
+    }
+    if (!shares) {
+      candidate.dDiffGC = 0.0;
+    }
+    candidates[count++] = &candidate;
+  }
+  std::stable_sort(candidates, candidates + count,
+                   [](const DcPair* a, const DcPair* b) { return a->dDiffGC < b->dDiffGC; });
+  for (std::size_t k = 0; k < count; ++k) {
+    bool crosses = false;
+    for (std::size_t r = 0; r < k && !crosses; ++r) {
+      crosses = !candidates[r]->bDrop && Cross(*candidates[k], *candidates[r]);
+    }
+    if (!crosses) {
+      candidates[k]->bDrop = false;
+    }
+  }
+}
+
 // Prefix maximum (or, with negated values, minimum) over row indices, for growing sets.
 class PrefixMax {
 public:
@@ -182,6 +250,10 @@ private:
 
 void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
   if (pairs.size() < 2) {
+    return;
+  }
+  if (pairs.size() <= kPairwiseLimit) {
+    DropCrossingPairsPairwise(pairs);
     return;
   }
   int32_t lowest = pairs.front().nDC2;
@@ -237,6 +309,10 @@ void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
 }
 
 void ReadmitDroppedPairs(std::vector<DcPair>& pairs) {
+  if (pairs.size() <= kPairwiseLimit) {
+    ReadmitDroppedPairsPairwise(pairs);
+    return;
+  }
   int32_t rows = 0;
   int32_t cols = 0;
   for (const DcPair& pair : pairs) {

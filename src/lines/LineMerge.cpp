@@ -170,10 +170,38 @@ private:
   std::vector<std::size_t> m_offGrid;
 };
 
+// The walk as it reads, for the few dozen lines of a typical pair: cheaper than building a grid.
+void MergeSameLinesInPlace(LineList& lines) {
+  for (std::ptrdiff_t i = static_cast<std::ptrdiff_t>(lines.size()) - 1; i >= 0; --i) {
+    const auto iu = static_cast<std::size_t>(i);
+    std::ptrdiff_t j = i - 1;
+    while (j >= 0 && !lines[static_cast<std::size_t>(j)].IsSame(lines[iu])) {
+      --j;
+    }
+    if (j < 0) {
+      continue;
+    }
+    const auto ju = static_cast<std::size_t>(j);
+    if (lines[iu].bBottom) {
+      lines[iu].strDownName = lines[ju].strUpName;
+      lines.erase(lines.begin() + j);
+    } else {
+      lines[ju].strDownName = lines[iu].strUpName;
+      lines.erase(lines.begin() + i);
+    }
+  }
+}
+
+constexpr std::size_t kInPlaceLimit = 96;
+
 } // namespace
 
 void MergeSameLines(LineList& lines) {
-  LineMerger(lines).Run();
+  if (lines.size() <= kInPlaceLimit) {
+    MergeSameLinesInPlace(lines);
+  } else {
+    LineMerger(lines).Run();
+  }
   for (_sLinkLine& line : lines) {
     line.bBottom = false;
   }
