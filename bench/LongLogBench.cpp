@@ -1,0 +1,101 @@
+// Long logs: thousands of thin layers of six codes. The plain implementation compares every
+// equal-code pair with every other, so it is measured only on short logs; the library is measured
+// up to 10,000 strata to show how it grows with the number of equal-code pairs.
+#include "Fixtures.h"
+
+#include "reference/ReferenceCorrelation.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstring>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+// Pairs of strata with equal codes at the root: the size of the problem.
+double EqualCodePairs(const bench::HolePair& pair) {
+  double count = 0;
+  for (const auto& a : pair.first.vecDC) {
+    for (const auto& b : pair.second.vecDC) {
+      count += a.strName == b.strName ? 1 : 0;
+    }
+  }
+  return count;
+}
+
+long StatusKilobytes(const char* key) {
+  FILE* status = std::fopen("/proc/self/status", "r");
+  if (status == nullptr) {
+    return -1;
+  }
+  char line[256];
+  long value = -1;
+  while (std::fgets(line, sizeof line, status) != nullptr) {
+    if (std::strncmp(line, key, std::strlen(key)) == 0) {
+      value = std::strtol(line + std::strlen(key), nullptr, 10);
+    }
+  }
+  std::fclose(status);
+  return value;
+}
+
+// Peak memory that one correlation of the pair adds to the process, in MiB: measured in a forked
+// child so that the benchmark's own allocations do not count.
+double PeakMegabytes(const bench::HolePair& pair) {
+  int channel[2];
+  if (pipe(channel) != 0) {
+    return -1;
+  }
+  const pid_t child = fork();
+  if (child == 0) {
+    close(channel[0]);
+    const long before = StatusKilobytes("VmRSS:");
+    std::vector<DataType::_sLinkLine> lines;
+    LinkDcLine(pair.first, pair.second, lines);
+    const long peak = StatusKilobytes("VmHWM:") - before;
+    const ssize_t written = write(channel[1], &peak, sizeof peak);
+    _exit(written == sizeof peak ? 0 : 1);
+  }
+  close(channel[1]);
+  long peak = -1;
+  if (read(channel[0], &peak, sizeof peak) != sizeof peak) {
+    peak = -1;
+  }
+  close(channel[0]);
+  waitpid(child, nullptr, 0);
+  return static_cast<double>(peak) / 1024.0;
+}
+
+template <class Correlate> void RunLongLog(benchmark::State& state, Correlate correlate) {
+  const bench::HolePair& pair = bench::LongLogPair(static_cast<int>(state.range(0)));
+  std::vector<DataType::_sLinkLine> lines;
+  for (auto _ : state) {
+    lines.clear();
+    correlate(pair.first, pair.second, lines);
+    benchmark::DoNotOptimize(lines.data());
+  }
+  const double pairs = EqualCodePairs(pair);
+  state.counters["equal_code_pairs"] = pairs;
+  state.SetComplexityN(static_cast<int64_t>(pairs));
+}
+
+void LongLog_Library(benchmark::State& state) {
+  RunLongLog(state, LinkDcLine);
+  state.counters["peak_MiB"] = PeakMegabytes(bench::LongLogPair(static_cast<int>(state.range(0))));
+}
+void LongLog_Plain(benchmark::State& state) { RunLongLog(state, reference::ReferenceLinkDcLine); }
+
+} // namespace
+
+BENCHMARK(LongLog_Library)
+    ->Arg(250)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Arg(2000)
+    ->Arg(4000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity(benchmark::oNLogN);
+BENCHMARK(LongLog_Plain)->Arg(250)->Arg(500)->Unit(benchmark::kMillisecond)->Iterations(1);
