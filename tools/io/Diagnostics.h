@@ -1,0 +1,59 @@
+// Where a value came from, and what is wrong with it. Every message the readers and the validation
+// produce names the file, the line and the field, so that an engineer can open the log and fix it.
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace xklink {
+
+// A place in an input file.
+struct SourceRef {
+  std::string file;
+  std::size_t line = 0; // 1-based; 0 stands for the file as a whole
+  std::string field;    // column, heading or key; empty when no single field is to blame
+
+  // "holes.csv:12: field TOP" ("holes.csv" alone when line and field are unknown).
+  std::string ToString() const;
+};
+
+enum class Severity {
+  Warning, // the data was read, but an engineer should look at it
+  Error    // the data cannot be used for a section as it stands
+};
+
+struct Diagnostic {
+  Severity severity = Severity::Error;
+  SourceRef where;
+  std::string message;
+  std::string hole; // the hole concerned; empty when the problem is not tied to one hole
+
+  // "holes.csv:12: field TOP: top 95 is below base 97" for an error,
+  // "holes.csv:12: warning: field TOP: ..." for a warning.
+  std::string ToString() const;
+};
+
+Diagnostic MakeError(SourceRef where, std::string message, std::string hole = {});
+Diagnostic MakeWarning(SourceRef where, std::string message, std::string hole = {});
+
+// True when at least one diagnostic is an error.
+bool HasErrors(const std::vector<Diagnostic>& diagnostics);
+
+// Input that cannot be read at all: bad syntax, a missing column, a value that is not a number.
+// what() is "holes.csv:12: field TOP: not a number: 'abc'".
+class ParseError : public std::runtime_error {
+public:
+  ParseError(SourceRef where, const std::string& message);
+
+  const SourceRef& Where() const { return m_where; }
+  // The message without the location.
+  const std::string& Message() const { return m_message; }
+
+private:
+  SourceRef m_where;
+  std::string m_message;
+};
+
+} // namespace xklink

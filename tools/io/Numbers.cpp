@@ -1,0 +1,68 @@
+#include "Numbers.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <system_error>
+
+namespace xklink {
+
+std::string_view TrimSpaces(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) {
+    return {};
+  }
+  const auto last = text.find_last_not_of(" \t");
+  return text.substr(first, last - first + 1);
+}
+
+bool IsNullField(std::string_view text) {
+  return TrimSpaces(text).empty();
+}
+
+double ParseNumber(std::string_view text, const SourceRef& where) {
+  std::string_view digits = TrimSpaces(text);
+  if (digits.size() > 1 && digits.front() == '+' && digits[1] != '-' && digits[1] != '+') {
+    digits.remove_prefix(1);
+  }
+  double value = 0.0;
+  const char* const end = digits.data() + digits.size();
+  const auto [stop, ec] = std::from_chars(digits.data(), end, value);
+  if (digits.empty() || stop != end ||
+      (ec != std::errc() && ec != std::errc::result_out_of_range)) {
+    throw ParseError(where, "not a number: '" + std::string(text) + "'");
+  }
+  if (ec == std::errc::result_out_of_range) {
+    // from_chars leaves the value alone when it overflows or underflows; strtod gives +-HUGE_VAL
+    // (infinite) or the nearest tiny value, which is what the digits mean.
+    value = std::strtod(std::string(digits).c_str(), nullptr);
+  }
+  return value;
+}
+
+std::string FormatNumber(double value) {
+  std::array<char, 32> buffer{};
+  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+  return std::string(buffer.data(), result.ptr);
+}
+
+std::string FormatMetres(double value) {
+  if (!std::isfinite(value)) {
+    return FormatNumber(value);
+  }
+  std::array<char, 64> buffer{};
+  const int written = std::snprintf(buffer.data(), buffer.size(), "%.4f", value);
+  std::string text(buffer.data(), written > 0 ? static_cast<std::size_t>(written) : 0U);
+  if (text.find('.') != std::string::npos) {
+    text.erase(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') {
+      text.pop_back();
+    }
+  }
+  return text == "-0" ? "0" : text;
+}
+
+} // namespace xklink

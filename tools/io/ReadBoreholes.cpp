@@ -1,0 +1,119 @@
+#include "ReadBoreholes.h"
+
+#include "AgsGroups.h"
+#include "AgsReader.h"
+#include "CsvReader.h"
+#include "JsonReader.h"
+#include "Numbers.h"
+#include "SourceFile.h"
+
+#include <algorithm>
+#include <cctype>
+#include <stdexcept>
+
+namespace xklink {
+
+namespace {
+
+std::string Lower(std::string_view text) {
+  std::string out(text);
+  std::transform(out.begin(), out.end(), out.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return out;
+}
+
+std::optional<Format> FormatFromContent(std::string_view text) {
+  if (DetectAgsEdition(text)) {
+    return Format::Ags;
+  }
+  const auto lines = SplitLines(text);
+  const auto first = std::find_if(lines.begin(), lines.end(),
+                                  [](const SourceLine& l) { return !IsNullField(l.text); });
+  if (first == lines.end()) {
+    return std::nullopt;
+  }
+  const auto trimmed = TrimSpaces(first->text);
+  if (trimmed.front() == '{') {
+    return Format::Json;
+  }
+  if (trimmed.find(',') != std::string_view::npos) {
+    return Format::Csv;
+  }
+  return std::nullopt;
+}
+
+} // namespace
+
+Format FormatFromName(std::string_view name) {
+  const std::string lower = Lower(name);
+  if (lower == "json") {
+    return Format::Json;
+  }
+  if (lower == "ags") {
+    return Format::Ags;
+  }
+  if (lower == "csv") {
+    return Format::Csv;
+  }
+  throw std::invalid_argument("unknown input format '" + std::string(name) +
+                              "': expected json, ags or csv");
+}
+
+std::string FormatName(Format format) {
+  switch (format) {
+  case Format::Json:
+    return "json";
+  case Format::Ags:
+    return "ags";
+  case Format::Csv:
+    return "csv";
+  }
+  return "?";
+}
+
+Format DetectFormat(const std::filesystem::path& file) {
+  const std::string extension = Lower(file.extension().string());
+  if (extension == ".json") {
+    return Format::Json;
+  }
+  if (extension == ".ags") {
+    return Format::Ags;
+  }
+  if (extension == ".csv") {
+    return Format::Csv;
+  }
+  if (const auto format = FormatFromContent(ReadSourceFile(file))) {
+    return *format;
+  }
+  throw ParseError({DisplayName(file), 0, {}},
+                   "cannot tell the format from the name or the content; give it (json, ags or "
+                   "csv)");
+}
+
+BoreholeSet ReadBoreholes(const std::filesystem::path& file, Format format,
+                          const ReadOptions& options) {
+  if (options.collarFile && format != Format::Csv) {
+    throw std::invalid_argument("a collar file goes with a CSV interval table, not with " +
+                                FormatName(format) + " input");
+  }
+  const std::string text = ReadSourceFile(file);
+  const std::string name = DisplayName(file);
+  BoreholeSet set;
+  switch (format) {
+  case Format::Json:
+    set = ReadJsonBoreholes(text, name, options);
+    break;
+  case Format::Ags:
+    set = ReadAgsBoreholes(text, name, options);
+    break;
+  case Format::Csv:
+    set = ReadCsvBoreholes(text, name, options);
+    break;
+  }
+  if (options.mergeRepeats) {
+    MergeRepeatedCodes(set);
+  }
+  return set;
+}
+
+} // namespace xklink
