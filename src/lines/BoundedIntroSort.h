@@ -105,9 +105,15 @@ RandomIt Partition(RandomIt first, RandomIt last, Less& less) {
   return j;
 }
 
+// Short ranges are finished by insertion sort at once, each on its own: a final pass over the whole
+// range would be quadratic for a predicate that answers true too often.
 template <class RandomIt, class Less>
 void IntroLoop(RandomIt first, RandomIt last, int depthLimit, Less& less) {
-  while (last - first > kInsertionThreshold) {
+  for (;;) {
+    if (last - first <= kInsertionThreshold) {
+      InsertionSort(first, last, less);
+      return;
+    }
     if (depthLimit == 0) {
       HeapSort(first, last, less);
       return;
@@ -135,7 +141,6 @@ void BoundedIntroSort(RandomIt first, RandomIt last, Less less) {
     depthLimit += 2;
   }
   sort_detail::IntroLoop(first, last, depthLimit, less);
-  sort_detail::InsertionSort(first, last, less);
 }
 
 } // namespace xkl

@@ -1,0 +1,27 @@
+// Options shared by the commands.
+#pragma once
+
+#include "Input.h"
+
+#include <CLI/CLI.hpp>
+
+namespace xklink {
+
+// --input-format, --collars, --depths, --merge-repeats and the FILE argument.
+inline void AddInputOptions(CLI::App& command, InputOptions& options) {
+  command.add_option("FILE", options.file, "Borehole file: AGS4, AGS 3.1, drillhole CSV or JSON")
+      ->required();
+  command.add_option("--input-format", options.format,
+                     "Input format (default: from the file's extension)")
+      ->check(CLI::IsMember({"json", "ags", "csv"}));
+  command.add_option("--collars", options.collars,
+                     "Collar table of a two-table drillhole CSV (FILE holds the intervals)");
+  command.add_option("--depths", options.depths,
+                     "CSV top and base are 'depth' below the collar or 'elevation' "
+                     "(default: from the column names)")
+      ->check(CLI::IsMember({"depth", "elevation"}));
+  command.add_flag("--merge-repeats", options.mergeRepeats,
+                   "Merge consecutive strata of the same code into one");
+}
+
+} // namespace xklink

@@ -1,0 +1,43 @@
+// From the command line's input options to the holes of a section, validated.
+#pragma once
+
+#include <XKLinkDc/XKLinkDc.h>
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace xklink {
+
+// The input options every command shares.
+struct InputOptions {
+  std::string file;
+  std::string format;      // json, ags or csv; empty: from the file's extension
+  std::string collars;     // collar table of the two-table CSV form
+  std::string depths;      // csv: "depth" or "elevation"; empty: from the headings
+  bool mergeRepeats = false; // merge consecutive strata of one code into one
+};
+
+// Which holes a command works on when --holes is not given.
+enum class DefaultHoles {
+  FirstTwo,     // the first two holes of the file
+  AlongSection  // every hole, ordered along the section's principal direction
+};
+
+struct SectionHoles {
+  std::vector<std::string> names; // UTF-8
+  std::vector<DataType::_sZK> holes;
+};
+
+// Reads and validates the file, reports warnings on `warnings`, and returns the holes named in
+// `holeList` (comma-separated, in that order) or the default ones. Throws on any error: a file
+// that cannot be read, invalid data, an unknown hole name, fewer than two holes, two consecutive
+// holes at the same plan position.
+SectionHoles LoadSection(const InputOptions& options, const std::string& holeList,
+                         DefaultHoles defaults, std::ostream& warnings);
+
+// Every problem of the file, errors and warnings, as printable lines; nothing thrown for invalid
+// data (only for an unreadable file). The count of errors is returned in `errors`.
+std::vector<std::string> CheckFile(const InputOptions& options, std::size_t& errors);
+
+} // namespace xklink

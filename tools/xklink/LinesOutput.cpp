@@ -1,0 +1,73 @@
+#include "LinesOutput.h"
+
+#include "Text.h"
+
+namespace xklink {
+
+namespace {
+
+std::string CsvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) {
+    return text;
+  }
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"') {
+      quoted += '"';
+    }
+    quoted += c;
+  }
+  quoted += '"';
+  return quoted;
+}
+
+// Numbers in CSV as in JSON, without the quotes around nan and inf.
+std::string CsvNumber(double value) {
+  std::string text = JsonNumber(value);
+  if (!text.empty() && text.front() == '"') {
+    text = text.substr(1, text.size() - 2);
+  }
+  return text;
+}
+
+std::string Coordinates(const CXk3DPoint& p) {
+  return "[" + JsonNumber(p.x) + "," + JsonNumber(p.y) + "," + JsonNumber(p.z) + "]";
+}
+
+} // namespace
+
+std::string LinesToCsv(const std::vector<PairLines>& pairs) {
+  std::string out = "from,to,x1,y1,z1,x2,y2,z2,type,up,down\n";
+  for (const PairLines& pair : pairs) {
+    for (const DataType::_sLinkLine& line : pair.lines) {
+      out += CsvField(pair.from) + ',' + CsvField(pair.to) + ',';
+      for (const double v : {line.pt1.x, line.pt1.y, line.pt1.z, line.pt2.x, line.pt2.y, line.pt2.z}) {
+        out += CsvNumber(v) + ',';
+      }
+      out += std::to_string(line.nType) + ',' + CsvField(ToUtf8(line.strUpName)) + ',' +
+             CsvField(ToUtf8(line.strDownName)) + '\n';
+    }
+  }
+  return out;
+}
+
+std::string LinesToGeoJson(const std::vector<PairLines>& pairs) {
+  std::string out = "{\"type\":\"FeatureCollection\",\"features\":[";
+  bool first = true;
+  for (const PairLines& pair : pairs) {
+    for (const DataType::_sLinkLine& line : pair.lines) {
+      out += first ? "\n" : ",\n";
+      first = false;
+      out += "{\"type\":\"Feature\",\"geometry\":{\"type\":\"LineString\",\"coordinates\":[" +
+             Coordinates(line.pt1) + "," + Coordinates(line.pt2) + "]},\"properties\":{";
+      out += "\"from\":" + JsonString(pair.from) + ",\"to\":" + JsonString(pair.to);
+      out += ",\"type\":" + std::to_string(line.nType);
+      out += ",\"up\":" + JsonString(ToUtf8(line.strUpName));
+      out += ",\"down\":" + JsonString(ToUtf8(line.strDownName)) + "}}";
+    }
+  }
+  out += "\n]}\n";
+  return out;
+}
+
+} // namespace xklink
