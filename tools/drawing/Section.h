@@ -1,0 +1,121 @@
+// Drawing a multi-hole geological cross-section as SVG or DXF.
+//
+// The caller correlates each pair of neighbouring holes (LinkDc and LinkDcLine) and hands the
+// results over in a Section; the drawing maps every region corner and line end into the plane of
+// the section by its plan position and lays out a report figure: strata filled by code, section
+// lines stroked, a column for each borehole, elevation and distance axes, a legend and a title.
+//
+// **Example**:
+//
+//   xklink::Section section;
+//   section.title = "Section A-A'";
+//   section.holes = {{"BH1", 0.0, bh1}, {"BH2", 42.5, bh2}};
+//   xklink::SectionPair pair;
+//   pair.from = 0;
+//   pair.to = 1;
+//   LinkDc(bh1, bh2, pair.root);
+//   LinkDcLine(bh1, bh2, pair.lines);
+//   section.pairs.push_back(pair);
+//   const std::string svg = xklink::RenderSvg(section, xklink::Legend{}, xklink::DrawOptions{});
+#pragma once
+
+#include <XKLinkDc/XKLinkDc.h>
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace xklink {
+
+// One borehole of the section. `chainage` is its distance along the section from the first hole,
+// in the same units as the plan coordinates; `name` is shown on the sheet (UTF-8).
+struct SectionHole {
+  std::string name;
+  double chainage = 0.0;
+  DataType::_sZK zk;
+};
+
+// The correlation of holes[from] (borehole 1 of the calls) with holes[to] (borehole 2): the
+// region tree filled by LinkDc and the lines returned by LinkDcLine.
+struct SectionPair {
+  std::size_t from = 0;
+  std::size_t to = 0;
+  DataType::_sLinkRegion root;
+  std::vector<DataType::_sLinkLine> lines;
+};
+
+struct Section {
+  std::string title;
+  std::vector<SectionHole> holes;
+  std::vector<SectionPair> pairs;
+};
+
+// How one stratum code is shown: `colour` is "#rrggbb" or an SVG colour name, `label` the
+// description written beside the code in the legend (UTF-8, may be empty).
+struct LegendEntry {
+  std::string colour;
+  std::string label;
+};
+using Legend = std::map<std::wstring, LegendEntry>;
+
+struct DrawOptions {
+  // Vertical exaggeration of the sheet. 0 (the default) chooses a round value at which the section
+  // is about half as high as it is long, never less than 1. Values are kept within 0.01 to 1000;
+  // the value used is always written on the sheet.
+  double exaggeration = 0.0;
+  // Title of the sheet; when empty, the section's own title, and failing that "Geological
+  // section".
+  std::string title;
+  // Unit of distances and elevations, written on the axes.
+  std::string unit = "m";
+  // Width of the whole sheet in SVG user units (pixels at 96 dpi); the height follows from the
+  // data and the exaggeration.
+  double sheetWidth = 1600.0;
+};
+
+// A legend file that cannot be read or holds a bad line. what() is "<file>:<line>: <reason>"
+// (line 0 when the file cannot be opened).
+class LegendError : public std::runtime_error {
+public:
+  LegendError(const std::filesystem::path& file, std::size_t line, const std::string& reason);
+  const std::filesystem::path& file() const { return m_file; }
+  std::size_t line() const { return m_line; }
+
+private:
+  std::filesystem::path m_file;
+  std::size_t m_line;
+};
+
+// A drawing that cannot be written to its file.
+class DrawingError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+// The sheet as a standalone SVG 1.1 document (UTF-8).
+std::string RenderSvg(const Section& section, const Legend& legend, const DrawOptions& options);
+
+// The sheet as an AutoCAD R2000 DXF drawing (ASCII). Drawing units: x is the distance along the
+// section, y the elevation times the vertical exaggeration, so that the DXF looks like the SVG.
+// Layers: STRATA-<code> (a solid hatch and a closed outline per region), SECTION-LINES (one
+// polyline per section line), GROUND, BOREHOLES, BOREHOLE-LABELS, REGION-LABELS, GRID, AXES,
+// LEGEND and TITLE.
+std::string RenderDxf(const Section& section, const Legend& legend, const DrawOptions& options);
+
+// RenderDxf written to `path`; throws DrawingError naming the file when it cannot be written.
+void WriteDxf(const Section& section, const Legend& legend, const DrawOptions& options,
+              const std::filesystem::path& path);
+
+// Reads a legend file: one "code,colour,label" line per code (UTF-8, an optional header line
+// "code,colour,label", fields may be quoted as in RFC 4180, the label may be left out). Colours are
+// "#rrggbb" or SVG colour names and come back as lower-case "#rrggbb". Throws LegendError.
+Legend ReadLegendCsv(const std::filesystem::path& path);
+
+// The colour that a code gets when the legend does not name one, "#rrggbb": the same code always
+// gets the same colour, in every section and on every run. Common soil and rock words (MADE
+// GROUND, CLAY, SAND, GRAVEL, CHALK, ...) get their conventional colours.
+std::string DefaultColour(const std::wstring& code);
+
+} // namespace xklink
