@@ -191,6 +191,10 @@ public:
   void LinkDc(const DataType::_sZK& zk1, const DataType::_sZK& zk2, DataType::_sLinkRegion& root);
   void LinkDcLine(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                   std::vector<DataType::_sLinkLine>& lines);
+  // Both results of one correlation: the tree below root (as LinkDc) and the section lines
+  // appended to lines (as LinkDcLine), for the cost of one.
+  void LinkDcTreeAndLines(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
+                          DataType::_sLinkRegion& root, std::vector<DataType::_sLinkLine>& lines);
 
 private:
   std::unique_ptr<CorrelationState> m_state;

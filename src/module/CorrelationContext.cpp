@@ -1,5 +1,6 @@
 // The re-entrant entry: a correlation state owned by the caller instead of the module-wide one.
 #include "correlation/Correlation.h"
+#include "lines/Lines.h"
 
 namespace XKLinkDc {
 
@@ -14,6 +15,14 @@ void CorrelationContext::LinkDc(const DataType::_sZK& zk1, const DataType::_sZK&
 void CorrelationContext::LinkDcLine(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                                     std::vector<DataType::_sLinkLine>& lines) {
   xkl::RunLinkDcLine(*m_state, zk1, zk2, lines);
+}
+
+void CorrelationContext::LinkDcTreeAndLines(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
+                                            DataType::_sLinkRegion& root,
+                                            std::vector<DataType::_sLinkLine>& lines) {
+  xkl::RunLinkDc(*m_state, zk1, zk2, root);
+  xkl::AppendLeafLines(root, lines);
+  xkl::FinishLines(lines);
 }
 
 } // namespace XKLinkDc

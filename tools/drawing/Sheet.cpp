@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <map>
-#include <numeric>
 
 namespace xklink::drawing {
 
@@ -21,8 +20,8 @@ constexpr Rgb kLineColour{0x2b, 0x2b, 0x2b};
 constexpr Rgb kWhite{0xff, 0xff, 0xff};
 constexpr Rgb kFrameColour{0x8c, 0x8c, 0x8c};
 
-// Font sizes in sheet units (pixels at 96 dpi): 20 px is about 15 pt, 10 px about 7.5 pt, the
-// smallest size that stays legible when the sheet is printed across a landscape A4 page.
+// Font sizes in sheet units (1/96 inch at natural size). A sheet of 1600 units printed across a
+// landscape A3 page has 0.25 mm units, so the smallest text, 10 units, prints at about 7 pt.
 constexpr double kTitleSize = 20.0;
 constexpr double kSubtitleSize = 12.5;
 constexpr double kAxisSize = 11.0;
@@ -344,8 +343,10 @@ private:
       }
       const double bottom = m_extent.zMin - 14.0 / v;
       m_tickZ = NiceStep(44.0 / v);
-      m_sheet.zTop = std::ceil(top / m_tickZ) * m_tickZ;
-      m_zBottom = std::floor(bottom / m_tickZ) * m_tickZ;
+      // The frame ends at half steps: whole steps could leave almost a step of empty sheet.
+      const double half = 0.5 * m_tickZ;
+      m_sheet.zTop = std::ceil(top / half) * half;
+      m_zBottom = std::floor(bottom / half) * half;
       m_plotHeight = (m_sheet.zTop - m_zBottom) * v;
       if (m_plotHeight <= maxPlotHeight * 1.02 || attempt == 3) {
         break;
@@ -391,9 +392,10 @@ private:
 
   std::vector<double> ElevationTicks() const {
     std::vector<double> ticks;
-    const auto count = static_cast<long>(std::lround((m_sheet.zTop - m_zBottom) / m_tickZ));
-    for (long i = 0; i <= count; ++i) {
-      ticks.push_back(m_zBottom + static_cast<double>(i) * m_tickZ);
+    const double first = std::ceil(m_zBottom / m_tickZ - 1e-9);
+    const double last = std::floor(m_sheet.zTop / m_tickZ + 1e-9);
+    for (double i = first; i <= last; i += 1.0) {
+      ticks.push_back(i * m_tickZ);
     }
     return ticks;
   }

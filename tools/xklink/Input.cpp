@@ -2,6 +2,7 @@
 
 #include "Errors.h"
 #include "SectionLayout.h"
+#include "WorkLimit.h"
 
 #include "HoleSelection.h"
 #include "ReadBoreholes.h"
@@ -85,6 +86,7 @@ SectionHoles LoadSection(const InputOptions& options, const std::string& holeLis
     section.names.push_back(hole.name);
     section.holes.push_back(hole.ToZK());
   }
+  RequireWorkWithinLimit(section.names, section.holes);
   return section;
 }
 

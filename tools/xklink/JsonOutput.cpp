@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <vector>
 
 namespace xklink {
 
@@ -20,7 +21,8 @@ void AppendPoint(std::string& out, const CXk3DPoint& p) {
   out += ']';
 }
 
-void AppendRegion(std::string& out, const DataType::_sLinkRegion& r) {
+// Everything of a region up to the opening bracket of its children.
+void AppendRegionHead(std::string& out, const DataType::_sLinkRegion& r) {
   out += "{\"type\":" + std::to_string(r.nType);
   out += ",\"named\":";
   out += r.bNamed ? "true" : "false";
@@ -38,13 +40,30 @@ void AppendRegion(std::string& out, const DataType::_sLinkRegion& r) {
   out += ',';
   AppendPoint(out, r.ptBot[1]);
   out += "],\"children\":[";
-  for (std::size_t i = 0; i < r.vecChild.size(); ++i) {
-    if (i > 0) {
+}
+
+// Depth first with a work list: the trees of long logs nest thousands of regions deep.
+void AppendRegion(std::string& out, const DataType::_sLinkRegion& root) {
+  struct Open {
+    const DataType::_sLinkRegion* region;
+    std::size_t next; // the child to write next
+  };
+  std::vector<Open> open{{&root, 0}};
+  AppendRegionHead(out, root);
+  while (!open.empty()) {
+    Open& top = open.back();
+    if (top.next == top.region->vecChild.size()) {
+      out += "]}";
+      open.pop_back();
+      continue;
+    }
+    if (top.next > 0) {
       out += ',';
     }
-    AppendRegion(out, r.vecChild[i]);
+    const DataType::_sLinkRegion& child = top.region->vecChild[top.next++];
+    AppendRegionHead(out, child);
+    open.push_back({&child, 0});
   }
-  out += "]}";
 }
 
 } // namespace

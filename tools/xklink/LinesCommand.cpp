@@ -38,7 +38,7 @@ void AddLinesCommand(CLI::App& app) {
   command->callback([options] {
     const SectionHoles section =
         LoadSection(options->input, options->holes, DefaultHoles::AlongSection, std::cerr);
-    std::vector<PairResult> results = CorrelateConsecutivePairs(section.holes, options->jobs);
+    std::vector<PairResult> results = CorrelateConsecutivePairs(section.holes, options->jobs, false);
     std::vector<PairLines> pairs;
     for (std::size_t i = 0; i < results.size(); ++i) {
       pairs.push_back({section.names[i], section.names[i + 1], std::move(results[i].lines)});

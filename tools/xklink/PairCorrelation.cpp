@@ -9,7 +9,7 @@
 namespace xklink {
 
 std::vector<PairResult> CorrelateConsecutivePairs(const std::vector<DataType::_sZK>& holes,
-                                                  unsigned jobs) {
+                                                  unsigned jobs, bool withTrees) {
   const std::size_t pairCount = holes.size() < 2 ? 0 : holes.size() - 1;
   std::vector<PairResult> results(pairCount);
   if (jobs == 0) {
@@ -23,8 +23,11 @@ std::vector<PairResult> CorrelateConsecutivePairs(const std::vector<DataType::_s
     XKLinkDc::CorrelationContext context;
     for (std::size_t i = next++; i < pairCount; i = next++) {
       try {
-        context.LinkDc(holes[i], holes[i + 1], results[i].root);
-        context.LinkDcLine(holes[i], holes[i + 1], results[i].lines);
+        if (withTrees) {
+          context.LinkDcTreeAndLines(holes[i], holes[i + 1], results[i].root, results[i].lines);
+        } else {
+          context.LinkDcLine(holes[i], holes[i + 1], results[i].lines);
+        }
       } catch (...) {
         const std::lock_guard lock(failureMutex);
         if (!failure) {

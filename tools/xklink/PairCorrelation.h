@@ -14,8 +14,9 @@ struct PairResult {
 };
 
 // Correlates holes[i] with holes[i + 1] for every i. Each worker owns its correlation context, so
-// the pairs run at once; the result is the same for any number of jobs (0 = all cores).
+// the pairs run at once; the result is the same for any number of jobs (0 = all cores). Without
+// `withTrees` only the lines are kept (the roots stay empty).
 std::vector<PairResult> CorrelateConsecutivePairs(const std::vector<DataType::_sZK>& holes,
-                                                  unsigned jobs);
+                                                  unsigned jobs, bool withTrees);
 
 } // namespace xklink

@@ -67,7 +67,7 @@ void AddSectionCommand(CLI::App& app) {
     const Legend legend = options->legend.empty() ? Legend{} : ReadLegendCsv(options->legend);
     const SectionHoles holes =
         LoadSection(options->input, options->holes, DefaultHoles::AlongSection, std::cerr);
-    std::vector<PairResult> results = CorrelateConsecutivePairs(holes.holes, options->jobs);
+    std::vector<PairResult> results = CorrelateConsecutivePairs(holes.holes, options->jobs, true);
     const std::vector<double> chainage = Chainages(holes.holes);
 
     Section section;
