@@ -2,7 +2,7 @@
 
 #include "support/RandomBoreholes.h"
 
-#include "AgsReader.h"
+#include "ReadBoreholes.h"
 
 #include <filesystem>
 #include <map>
@@ -26,7 +26,7 @@ std::vector<DataType::_sZK> ReadReal(const std::string& relative) {
   if (!std::filesystem::exists(path)) {
     return {};
   }
-  const xklink::BoreholeSet set = xklink::ReadAgs(path, xklink::ReadOptions{});
+  const xklink::BoreholeSet set = xklink::ReadBoreholes(path, xklink::Format::Ags);
   return xklink::ToZKs(set.holes);
 }
 

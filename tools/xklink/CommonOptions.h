@@ -20,6 +20,10 @@ inline void AddInputOptions(CLI::App& command, InputOptions& options) {
                      "CSV top and base are 'depth' below the collar or 'elevation' "
                      "(default: from the column names)")
       ->check(CLI::IsMember({"depth", "elevation"}));
+  command.add_option("--code-column", options.codeColumn,
+                     "Column of the stratum codes, e.g. GEOL_LEG or LITO (default: the first filled "
+                     "of GEOL_GEOL, GEOL_LEG, GEOL_GEO2 in AGS; CODE, UNIT, FORMATION, GEOL, LITH "
+                     "and their aliases in CSV)");
   command.add_flag("--merge-repeats", options.mergeRepeats,
                    "Merge consecutive strata of the same code into one");
 }

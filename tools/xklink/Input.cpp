@@ -8,6 +8,7 @@
 #include "ReadBoreholes.h"
 #include "Validation.h"
 
+#include <algorithm>
 #include <ostream>
 #include <stdexcept>
 
@@ -34,6 +35,9 @@ BoreholeSet ReadInput(const InputOptions& options) {
   if (!options.depths.empty()) {
     read.depthMode = options.depths == "depth" ? DepthMode::Depths : DepthMode::Elevations;
   }
+  if (!options.codeColumn.empty()) {
+    read.codeColumn = options.codeColumn;
+  }
   read.mergeRepeats = options.mergeRepeats;
   return ReadBoreholes(path, format, read);
 }
@@ -59,15 +63,31 @@ SectionHoles LoadSection(const InputOptions& options, const std::string& holeLis
   const BoreholeSet all = ReadInput(options);
   const std::vector<std::string> names =
       holeList.empty() ? DefaultNames(all, defaults) : SplitHoleList(holeList);
-  if (names.size() < 2) {
+  // A list of one name is refused by SelectHoles, which says how many were named.
+  if (holeList.empty() && names.size() < 2) {
     throw SelectionError(options.file + ": a section needs at least two holes, the file has " +
                          std::to_string(all.holes.size()));
   }
-  const BoreholeSet chosen = SelectHoles(all, names);
 
-  std::vector<Diagnostic> diagnostics = ValidateBoreholes(chosen);
-  for (Diagnostic& d : CheckSectionSpacing(chosen.holes)) {
-    diagnostics.push_back(std::move(d));
+  // The whole file is validated before holes are picked from it, and its problems are kept for the
+  // holes asked for and for the file as a whole. A second hole of a name is then reported with its
+  // line, instead of the first of the two being picked; and a hole that the reader could not build
+  // (GEOL rows without a LOCA row) stops a section that names it or takes every hole, instead of
+  // dropping out of it silently. Problems of holes left out of the section do not stop it.
+  const bool everyHole = holeList.empty() && defaults == DefaultHoles::AlongSection;
+  std::vector<Diagnostic> diagnostics;
+  for (Diagnostic& d : ValidateBoreholes(all)) {
+    if (everyHole || d.hole.empty() ||
+        std::find(names.begin(), names.end(), d.hole) != names.end()) {
+      diagnostics.push_back(std::move(d));
+    }
+  }
+  BoreholeSet chosen;
+  if (!HasErrors(diagnostics)) {
+    chosen = SelectHoles(all, names);
+    for (Diagnostic& d : CheckSectionSpacing(chosen.holes)) {
+      diagnostics.push_back(std::move(d));
+    }
   }
   std::string errors;
   for (const Diagnostic& d : diagnostics) {

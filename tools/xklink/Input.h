@@ -15,6 +15,7 @@ struct InputOptions {
   std::string format;      // json, ags or csv; empty: from the file's extension
   std::string collars;     // collar table of the two-table CSV form
   std::string depths;      // csv: "depth" or "elevation"; empty: from the headings
+  std::string codeColumn;  // the column of the stratum codes; empty: the reader's default
   bool mergeRepeats = false; // merge consecutive strata of one code into one
 };
 
