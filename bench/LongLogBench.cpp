@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -42,7 +43,8 @@ long StatusKilobytes(const char* key) {
 }
 
 // Peak memory that one correlation of the pair adds to the process, in MiB: measured in a forked
-// child so that the benchmark's own allocations do not count.
+// child, after returning the free heap to the system and resetting the peak, so that neither the
+// benchmark's own allocations nor memory left over from earlier runs count.
 double PeakMegabytes(const bench::HolePair& pair) {
   int channel[2];
   if (pipe(channel) != 0) {
@@ -51,6 +53,11 @@ double PeakMegabytes(const bench::HolePair& pair) {
   const pid_t child = fork();
   if (child == 0) {
     close(channel[0]);
+    malloc_trim(0);
+    if (FILE* clear = std::fopen("/proc/self/clear_refs", "w")) {
+      std::fputs("5", clear); // resets VmHWM to the current resident size
+      std::fclose(clear);
+    }
     const long before = StatusKilobytes("VmRSS:");
     std::vector<DataType::_sLinkLine> lines;
     LinkDcLine(pair.first, pair.second, lines);

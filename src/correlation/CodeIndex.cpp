@@ -6,32 +6,37 @@ namespace xkl {
 
 namespace {
 
-std::vector<int32_t> IdsOf(const DataType::_sZK& zk, const std::vector<std::wstring>& codes) {
-  std::vector<int32_t> ids;
+void IdsOf(const DataType::_sZK& zk, const std::vector<std::wstring>& codes,
+           std::vector<int32_t>& ids) {
+  ids.clear();
   ids.reserve(zk.vecDC.size());
   for (const DataType::_sZKDC& dc : zk.vecDC) {
     const auto it = std::lower_bound(codes.begin(), codes.end(), dc.strName);
     ids.push_back(static_cast<int32_t>(it - codes.begin()));
   }
-  return ids;
 }
 
 } // namespace
 
 CodeIndex CodeIndex::Build(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
   CodeIndex index;
-  index.codes.reserve(zk1.vecDC.size() + zk2.vecDC.size());
+  index.Rebuild(zk1, zk2);
+  return index;
+}
+
+void CodeIndex::Rebuild(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
+  codes.clear();
+  codes.reserve(zk1.vecDC.size() + zk2.vecDC.size());
   for (const DataType::_sZKDC& dc : zk1.vecDC) {
-    index.codes.push_back(dc.strName);
+    codes.push_back(dc.strName);
   }
   for (const DataType::_sZKDC& dc : zk2.vecDC) {
-    index.codes.push_back(dc.strName);
+    codes.push_back(dc.strName);
   }
-  std::sort(index.codes.begin(), index.codes.end());
-  index.codes.erase(std::unique(index.codes.begin(), index.codes.end()), index.codes.end());
-  index.ids1 = IdsOf(zk1, index.codes);
-  index.ids2 = IdsOf(zk2, index.codes);
-  return index;
+  std::sort(codes.begin(), codes.end());
+  codes.erase(std::unique(codes.begin(), codes.end()), codes.end());
+  IdsOf(zk1, codes, ids1);
+  IdsOf(zk2, codes, ids2);
 }
 
 uint32_t CodeIndex::NextMark() const {

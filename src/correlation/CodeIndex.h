@@ -16,6 +16,8 @@ struct CodeIndex {
   std::vector<int32_t> ids2;       // code id of every stratum of borehole 2
 
   static CodeIndex Build(const DataType::_sZK& zk1, const DataType::_sZK& zk2);
+  // Build into this index, reusing its storage.
+  void Rebuild(const DataType::_sZK& zk1, const DataType::_sZK& zk2);
   // The id of a code, or -1 when neither borehole carries it.
   int32_t IdOf(const std::wstring& code) const;
   int32_t Count() const { return static_cast<int32_t>(codes.size()); }

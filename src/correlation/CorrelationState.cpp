@@ -26,11 +26,19 @@ xkl::Workspace& XKLinkDc::CorrelationState::Work() const {
   return *m_work;
 }
 
-void XKLinkDc::CorrelationState::ReleaseWork() const { m_work.reset(); }
+// Buffers up to this size stay for the next correlation: typical pairs then allocate nothing
+// there, while the megabytes of two long logs go back at once.
+constexpr std::size_t kKeptWorkBytes = 1 << 20;
+
+void XKLinkDc::CorrelationState::ReleaseWork() const {
+  if (m_work && m_work->Footprint() > kKeptWorkBytes) {
+    m_work.reset();
+  }
+}
 
 const xkl::CodeIndex& XKLinkDc::CorrelationState::Codes() const {
   if (!m_codesBuilt) {
-    m_codes = xkl::CodeIndex::Build(zk1, zk2);
+    m_codes.Rebuild(zk1, zk2);
     m_codesBuilt = true;
   }
   return m_codes;

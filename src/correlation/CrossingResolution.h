@@ -33,6 +33,9 @@ struct Workspace {
   std::vector<DcPair> pairs;
   std::vector<std::pair<int32_t, int32_t>> byCode; // (code id, borehole-2 index)
   SweepBuffers sweep;
+
+  // Bytes held by the buffers.
+  std::size_t Footprint() const;
 };
 
 // The first sweep. Pairs are in collection order (by nDC1, then nDC2). For each pair a, in order,
