@@ -170,12 +170,20 @@ private:
   std::vector<std::size_t> m_offGrid;
 };
 
+// Whether two elevations certainly differ beyond the tolerance: a quick test that spares most
+// full comparisons, since lines of one section differ mostly in elevation.
+bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a != b; }
+
+bool SameLine(const _sLinkLine& a, const _sLinkLine& b) {
+  return !ClearlyApart(a.pt1.z, b.pt1.z) && !ClearlyApart(a.pt2.z, b.pt2.z) && a.IsSame(b);
+}
+
 // The walk as it reads, for the few dozen lines of a typical pair: cheaper than building a grid.
 void MergeSameLinesInPlace(LineList& lines) {
   for (std::ptrdiff_t i = static_cast<std::ptrdiff_t>(lines.size()) - 1; i >= 0; --i) {
     const auto iu = static_cast<std::size_t>(i);
     std::ptrdiff_t j = i - 1;
-    while (j >= 0 && !lines[static_cast<std::size_t>(j)].IsSame(lines[iu])) {
+    while (j >= 0 && !SameLine(lines[static_cast<std::size_t>(j)], lines[iu])) {
       --j;
     }
     if (j < 0) {
