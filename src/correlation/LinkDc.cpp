@@ -26,25 +26,10 @@ void CloseRegion(const CorrelationState& state, const _sLinkRegion& region, Regi
   }
 }
 
-// HasMixedStrata on interned codes: equal ids are equal codes.
-bool HasMixedIds(const std::vector<int32_t>& ids, int32_t nBegin, int32_t nEnd) {
-  if (!(nBegin < nEnd)) {
-    return false;
-  }
-  const int32_t last = LastIndex(nEnd);
-  for (int32_t i = nBegin < 0 ? 1 : nBegin + 1; i <= last; ++i) {
-    if (ids[Index(i - 1)] != ids[Index(i)]) {
-      return true;
-    }
-  }
-  return false;
-}
-
 // Works on one region and appends what it produces to its own children.
 void ProcessRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion) {
-  const CodeIndex& codes = state.Codes();
-  if (!HasMixedIds(codes.ids1, region.nBegin1, region.nEnd1) &&
-      !HasMixedIds(codes.ids2, region.nBegin2, region.nEnd2)) {
+  if (!HasMixedStrata(state.zk1, region.nBegin1, region.nEnd1) &&
+      !HasMixedStrata(state.zk2, region.nBegin2, region.nEnd2)) {
     // One code (or none) on each side: nothing to correlate inside, even when the two codes
     // differ; the region stays as it is.
     return;
