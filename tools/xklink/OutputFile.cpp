@@ -65,13 +65,23 @@ void WriteFileAtomically(const std::filesystem::path& path, std::string_view con
   if (temp.size() >= sizeof g_pendingTemp) {
     throw OutputError(path.string() + ": path too long");
   }
+  // No interruption between creating the temporary file and telling the handler about it.
+  sigset_t interrupts;
+  sigset_t previous;
+  sigemptyset(&interrupts);
+  sigaddset(&interrupts, SIGINT);
+  sigaddset(&interrupts, SIGTERM);
+  sigprocmask(SIG_BLOCK, &interrupts, &previous);
   const int fd = ::mkstemp(temp.data());
+  if (fd >= 0) {
+    std::memcpy(g_pendingTemp, temp.c_str(), temp.size() + 1);
+    g_hasPendingTemp.store(true);
+  }
+  sigprocmask(SIG_SETMASK, &previous, nullptr);
   if (fd < 0) {
     throw OutputError(path.string() + ": cannot create a file in '" + directory.string() +
                       "': " + ErrnoText());
   }
-  std::memcpy(g_pendingTemp, temp.c_str(), temp.size() + 1);
-  g_hasPendingTemp.store(true);
   bool closed = false;
   try {
     WriteAll(fd, content, path);

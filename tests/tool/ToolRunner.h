@@ -1,0 +1,221 @@
+// Running xklink (and the external checkers: xmllint, rsvg-convert, ezdxf) as a child process, the
+// way a user or a script does: arguments in, standard output, standard error and the exit status
+// out. Every test works in its own temporary directory.
+#pragma once
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <spawn.h>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+extern char** environ;
+
+namespace xktool {
+
+namespace fs = std::filesystem;
+
+inline const std::string kTool = XKLINK_TOOL_PATH;
+inline const fs::path kExamples = XKLINK_EXAMPLES_DIR;
+inline const fs::path kRealData = XKLINK_REAL_DATA_DIR;
+
+inline std::string ReadFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+inline void WriteFile(const fs::path& path, const std::string& text) {
+  std::ofstream out(path, std::ios::binary);
+  out << text;
+  if (!out) {
+    throw std::runtime_error("cannot write " + path.string());
+  }
+}
+
+// A fresh directory, removed with everything in it at the end of the test (write permission is
+// given back first, in case a test took it away).
+class TempDir {
+public:
+  TempDir() {
+    const char* base = std::getenv("TMPDIR");
+    std::string pattern =
+        std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/xklink-tool-XXXXXX";
+    if (::mkdtemp(pattern.data()) == nullptr) {
+      throw std::runtime_error("mkdtemp failed");
+    }
+    m_path = pattern;
+  }
+  ~TempDir() {
+    std::error_code ec;
+    for (const auto& entry : fs::recursive_directory_iterator(m_path, ec)) {
+      if (entry.is_directory(ec)) {
+        fs::permissions(entry.path(), fs::perms::owner_all, fs::perm_options::add, ec);
+      }
+    }
+    fs::permissions(m_path, fs::perms::owner_all, fs::perm_options::add, ec);
+    fs::remove_all(m_path, ec);
+  }
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+
+  fs::path operator/(const std::string& name) const { return m_path / name; }
+  // Writes a file into the directory and returns its path as a string for the command line.
+  std::string Write(const std::string& name, const std::string& text) const {
+    WriteFile(m_path / name, text);
+    return (m_path / name).string();
+  }
+  // The names of everything in the directory, sorted.
+  std::vector<std::string> Entries() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(m_path)) {
+      names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+private:
+  fs::path m_path;
+};
+
+struct RunResult {
+  int exitCode = -1; // -1 when the process was ended by a signal
+  int signal = 0;    // the signal that ended it, 0 when it exited
+  std::string out;
+  std::string err;
+  // For assertion messages: what the run printed.
+  std::string Describe() const {
+    return "exit " + std::to_string(exitCode) + ", signal " + std::to_string(signal) +
+           "\n--- stdout:\n" + out.substr(0, 2000) + "\n--- stderr:\n" + err.substr(0, 2000);
+  }
+};
+
+// A child process whose standard output and error go to files; standard input is /dev/null.
+class Child {
+public:
+  // Searches PATH for argv[0] when it has no slash. 127 as the exit code when it cannot be run.
+  explicit Child(const std::vector<std::string>& argv) {
+    m_outPath = m_dir / "stdout";
+    m_errPath = m_dir / "stderr";
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, m_outPath.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, m_errPath.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    // The child starts with default signal actions and nothing blocked, whatever the test runner
+    // set: the interruption tests rely on SIGINT and SIGTERM arriving.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigset_t defaults;
+    sigemptyset(&none);
+    sigemptyset(&defaults);
+    sigaddset(&defaults, SIGINT);
+    sigaddset(&defaults, SIGTERM);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setsigdefault(&attributes, &defaults);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    std::vector<char*> args;
+    for (const std::string& a : argv) {
+      args.push_back(const_cast<char*>(a.c_str()));
+    }
+    args.push_back(nullptr);
+    const int rc = ::posix_spawnp(&m_pid, args[0], &actions, &attributes, args.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+    if (rc != 0) {
+      m_pid = -1;
+    }
+  }
+  ~Child() {
+    if (m_pid > 0) {
+      ::kill(m_pid, SIGKILL);
+      Wait();
+    }
+  }
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+
+  void Signal(int signal) const {
+    if (m_pid > 0) {
+      ::kill(m_pid, signal);
+    }
+  }
+
+  RunResult Wait() {
+    RunResult result;
+    if (m_pid <= 0) {
+      result.exitCode = 127;
+      result.err = "cannot start the program";
+      return result;
+    }
+    int status = 0;
+    while (::waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    m_pid = -1;
+    if (WIFEXITED(status)) {
+      result.exitCode = WEXITSTATUS(status);
+    } else if (WIFSIGNALED(status)) {
+      result.signal = WTERMSIG(status);
+    }
+    result.out = ReadFile(m_outPath);
+    result.err = ReadFile(m_errPath);
+    return result;
+  }
+
+private:
+  TempDir m_dir;
+  fs::path m_outPath;
+  fs::path m_errPath;
+  pid_t m_pid = -1;
+};
+
+inline RunResult RunProgram(const std::vector<std::string>& argv) {
+  return Child(argv).Wait();
+}
+
+// xklink with the given arguments.
+inline RunResult RunTool(std::vector<std::string> args) {
+  args.insert(args.begin(), kTool);
+  return RunProgram(args);
+}
+
+// Fails the test with a message telling what to install when an external checker is missing.
+inline void RequireProgram(const std::string& program, const std::string& package) {
+  const RunResult probe = RunProgram({"sh", "-c", "command -v " + program});
+  ASSERT_EQ(probe.exitCode, 0) << program << " is not installed: the tool's tests need it to check "
+                               << "the output (Debian package " << package
+                               << "; scripts/setup installs it)";
+}
+
+// xmllint --noout: a real XML parser's verdict on a file.
+inline RunResult XmlLint(const fs::path& file) {
+  return RunProgram({"xmllint", "--noout", file.string()});
+}
+
+// A python3 that can import ezdxf: the system's (python3-ezdxf) before one found on PATH, which
+// may be a virtual environment without it. Empty when there is none.
+inline std::string PythonWithEzdxf() {
+  for (const std::string candidate : {"/usr/bin/python3", "python3"}) {
+    if (RunProgram({candidate, "-c", "import ezdxf"}).exitCode == 0) {
+      return candidate;
+    }
+  }
+  return {};
+}
+
+} // namespace xktool
