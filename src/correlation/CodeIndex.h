@@ -6,12 +6,14 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace xkl {
 
+// The codes point into the boreholes the index was built from, which must outlive it unchanged.
 struct CodeIndex {
-  std::vector<std::wstring> codes; // distinct codes of both boreholes, in ordinal order
+  std::vector<const std::wstring*> codes; // distinct codes of both boreholes, in ordinal order
   std::vector<int32_t> ids1;       // code id of every stratum of borehole 1
   std::vector<int32_t> ids2;       // code id of every stratum of borehole 2
 
@@ -26,6 +28,9 @@ struct CodeIndex {
   uint32_t NextMark() const;
   mutable std::vector<uint32_t> seen; // per code id, the mark of the scan that last saw it
   mutable uint32_t mark = 0;
+
+private:
+  std::vector<std::pair<const std::wstring*, int32_t>> m_order; // working storage of Rebuild
 };
 
 } // namespace xkl
