@@ -5,7 +5,6 @@
 #include "FuzzInput.h"
 
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <cmath>
 #include <limits>
 

@@ -56,6 +56,16 @@ TEST(FormatTest, MetresShowAtMostFourDecimals) {
   EXPECT_EQ(FormatMetres(HUGE_VAL), "inf");
 }
 
+// Elevations such as 1e308 are finite and reach the messages of the validation: every digit must
+// be there, not the first 63 characters of them (nor a read past a fixed-size buffer).
+TEST(FormatTest, MetresOfHugeValuesKeepEveryDigit) {
+  EXPECT_EQ(FormatMetres(1e20), "100000000000000000000");
+  const std::string largest = FormatMetres(-1.7976931348623157e308);
+  EXPECT_EQ(largest.size(), 310U);
+  EXPECT_EQ(largest.substr(0, 7), "-179769");
+  EXPECT_EQ(FormatMetres(1e300).size(), 301U);
+}
+
 TEST(FormatTest, NumbersReadBackExactly) {
   EXPECT_EQ(FormatNumber(0.1), "0.1");
   EXPECT_EQ(FormatNumber(95.0), "95");

@@ -4,8 +4,9 @@
 #include "Text.h"
 
 #include <iterator>
+#include <map>
 #include <nlohmann/json.hpp>
-#include <set>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -58,7 +59,11 @@ std::string ChildPath(const std::string& parent, const std::string& key) {
   return parent + "/" + escaped;
 }
 
-// Builds the document from nlohmann's SAX events and notes the line of every member and element.
+// Builds the document from nlohmann's SAX events and notes the line of every member and element
+// that the schema may name in a message: the root and its members, "boreholes" and each hole, the
+// members of a hole, its "strata" and each stratum with its members. Nothing below is ever named,
+// and keeping a path for every value there made memory grow with the square of the input: 64 kB
+// of nested brackets, or a long key over a long array, took gigabytes.
 class LocatingBuilder {
 public:
   LocatingBuilder(std::string file, const LineIndex& lines, const std::size_t& consumed)
@@ -80,13 +85,16 @@ public:
 
   bool key(std::string& name) {
     Frame& frame = m_frames.back();
-    if (!frame.keys.insert(name).second) {
+    const auto [first, inserted] = frame.keys.emplace(name, CurrentLine());
+    if (!inserted) {
       throw ParseError({m_file, CurrentLine(), name},
                        "duplicate key in the same object (first at line " +
-                           std::to_string(m_linesByPath[ChildPath(frame.path, name)]) + ")");
+                           std::to_string(first->second) + ")");
     }
     m_key = name;
-    m_linesByPath[ChildPath(frame.path, name)] = CurrentLine();
+    if (frame.path) {
+      m_linesByPath[ChildPath(*frame.path, name)] = CurrentLine();
+    }
     return true;
   }
 
@@ -112,30 +120,60 @@ public:
 private:
   struct Frame {
     Json* value;
-    std::string path;
+    std::optional<std::string> path; // only when the lines of the members are kept
     std::size_t nextIndex = 0;
-    std::set<std::string> keys;
+    std::map<std::string, std::size_t> keys; // member -> line, to name the first of a duplicate
   };
+
+  // Whether the lines of the members of a container are kept: the container at `depth` (the root
+  // is 0) reached through `step` (a key or an index) from a container whose lines are kept.
+  static bool KeepsLines(std::size_t depth, const std::string& step) {
+    switch (depth) {
+    case 0: // the document
+    case 2: // a hole
+    case 4: // a stratum
+      return true;
+    case 1:
+      return step == "boreholes";
+    case 3:
+      return step == "strata";
+    default:
+      return false;
+    }
+  }
 
   std::size_t CurrentLine() const { return m_lines.LineOf(m_consumed == 0 ? 0 : m_consumed - 1); }
 
-  // Places a value in the open container and returns it with its path.
-  std::pair<Json*, std::string> Place(Json&& value) {
+  // Places a value in the open container and returns it with its path, when the lines of its
+  // members are to be kept.
+  std::pair<Json*, std::optional<std::string>> Place(Json&& value) {
     if (m_frames.empty()) {
       m_root = std::move(value);
       m_linesByPath[""] = CurrentLine();
       return {&m_root, ""};
     }
     Frame& frame = m_frames.back();
+    Json* placed = nullptr;
+    std::string step;
     if (frame.value->is_array()) {
-      const auto path = ChildPath(frame.path, std::to_string(frame.nextIndex++));
-      m_linesByPath[path] = CurrentLine();
+      step = std::to_string(frame.nextIndex++);
       frame.value->push_back(std::move(value));
-      return {&frame.value->back(), path};
+      placed = &frame.value->back();
+    } else {
+      step = m_key;
+      placed = &((*frame.value)[m_key] = std::move(value));
     }
-    Json& slot = (*frame.value)[m_key];
-    slot = std::move(value);
-    return {&slot, ChildPath(frame.path, m_key)};
+    if (!frame.path) {
+      return {placed, std::nullopt};
+    }
+    auto path = ChildPath(*frame.path, step);
+    if (frame.value->is_array()) {
+      m_linesByPath[path] = CurrentLine(); // a member's line is noted at its key
+    }
+    if (!KeepsLines(m_frames.size(), step)) {
+      return {placed, std::nullopt};
+    }
+    return {placed, std::move(path)};
   }
 
   bool Add(Json&& value) {
@@ -241,8 +279,9 @@ private:
   void WarnUnknown(const Json& object, const std::string& path,
                    std::initializer_list<const char*> known, const std::string& hole) {
     for (const auto& [key, value] : object.items()) {
-      if (std::find_if(known.begin(), known.end(), [&](const char* k) { return key == k; }) ==
-          known.end()) {
+      // An init-capture, not [&]: clang before 16 cannot capture a structured binding.
+      const auto isKnown = [&name = key](const char* k) { return name == k; };
+      if (std::find_if(known.begin(), known.end(), isKnown) == known.end()) {
         m_set.diagnostics.push_back(
             MakeWarning(Ref(ChildPath(path, key), key), "unknown member, ignored", hole));
       }

@@ -53,9 +53,11 @@ std::string FormatMetres(double value) {
   if (!std::isfinite(value)) {
     return FormatNumber(value);
   }
-  std::array<char, 64> buffer{};
-  const int written = std::snprintf(buffer.data(), buffer.size(), "%.4f", value);
-  std::string text(buffer.data(), written > 0 ? static_cast<std::size_t>(written) : 0U);
+  // A finite double runs to 309 digits before the point in "%.4f" (1e308), more than any fixed
+  // buffer worth keeping on the stack: ask for the length first.
+  const int length = std::snprintf(nullptr, 0, "%.4f", value);
+  std::string text(length > 0 ? static_cast<std::size_t>(length) : 0U, '\0');
+  std::snprintf(text.data(), text.size() + 1, "%.4f", value);
   if (text.find('.') != std::string::npos) {
     text.erase(text.find_last_not_of('0') + 1);
     if (text.back() == '.') {
