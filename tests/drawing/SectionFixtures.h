@@ -19,20 +19,20 @@ struct Stratum {
 DataType::_sZK MakeHole(const std::wstring& name, double x, double y,
                         const std::vector<Stratum>& strata);
 
-// Holes in the order given, chainages the running plan distance, each neighbouring pair
-// correlated with LinkDc and LinkDcLine.
+// Holes in the order given, chainages the running plan distance, neighbours correlated with
+// LinkDc and LinkDcLine.
 Section CorrelatedSection(const std::string& title,
                           const std::vector<std::pair<std::string, DataType::_sZK>>& holes);
 
-// Five boreholes in London ground along a line running north-east: made ground, alluvium with a
-// peat lens, river terrace gravel, London Clay with a claystone band, and the Lambeth Group met by
-// the last two holes only.
+// Five London boreholes running north-east: a peat lens in BH2, a claystone band in BH3 and the
+// Lambeth Group met by the last two holes only.
 Section LondonSection();
 
-// Number of section lines over all pairs.
-std::size_t LineCount(const Section& section);
+// W (0, 0) holds CLAY 10..0; E (30, 40), chainage 50, holds CLAY, a SAND lens 6..4, CLAY.
+Section LensOfSecondHole();
 
-// Number of leaf regions over all pairs, by the leaf test of the section lines.
+std::size_t LineCount(const Section& section);
+// Leaf regions over all pairs, by the leaf test of the section lines.
 std::size_t LeafCount(const Section& section);
 
 } // namespace xklink::testing
