@@ -1,6 +1,7 @@
 // Closing a region whose strata do not correlate: every run of each borehole becomes a pinch-out
 // wedge, full thickness on its own hole and thinned to nothing at the other hole.
 #include "correlation/Correlation.h"
+#include "correlation/Workspace.h"
 
 namespace xkl {
 
@@ -16,7 +17,7 @@ void FillWedge(const CorrelationState& state, const _sLinkRegion& region, const 
   const int t = own ? 1 : 0; // corner slot on the other borehole
   wedge.nType = 2;
   wedge.bNamed = run.bMerged;
-  wedge.strName = run.strName;
+  wedge.strName = *state.Codes().codes[static_cast<std::size_t>(run.nCode)];
   (own ? wedge.nBegin1 : wedge.nBegin2) = run.nBegin;
   (own ? wedge.nEnd1 : wedge.nEnd2) = run.nEnd;
   (own ? wedge.nBegin2 : wedge.nBegin1) = tip;
@@ -32,17 +33,20 @@ void FillWedge(const CorrelationState& state, const _sLinkRegion& region, const 
 
 void CloseUnmatchedRegion(const CorrelationState& state, const _sLinkRegion& region,
                           RegionList& out) {
-  const std::vector<DcRun> runs1 = BuildFusedRuns(state, region, true);
-  const std::vector<DcRun> runs2 = BuildFusedRuns(state, region, false);
+  std::vector<DcRun>& runs1 = state.Work().runs.side1;
+  std::vector<DcRun>& runs2 = state.Work().runs.side2;
+  BuildFusedRuns(state, region, true, runs1);
+  BuildFusedRuns(state, region, false, runs2);
+  ReserveMore(out, runs1.size() + runs2.size());
   // Without a common stratum there is no evidence of which bed lies above which between the holes;
   // the ordinal order of the codes decides, so that a coding scheme numbered from the top down
-  // (01, 02, ...) stacks the wedges in its own order.
-  _sLinkRegion wedge;
+  // (01, 02, ...) stacks the wedges in its own order. Code ids follow that order.
   std::size_t i = 0;
   std::size_t j = 0;
   while (i < runs1.size() || j < runs2.size()) {
+    _sLinkRegion& wedge = out.emplace_back();
     const bool takeFirst =
-        j >= runs2.size() || (i < runs1.size() && runs1[i].strName.compare(runs2[j].strName) <= 0);
+        j >= runs2.size() || (i < runs1.size() && runs1[i].nCode <= runs2[j].nCode);
     if (takeFirst) {
       const int32_t tip = j < runs2.size() ? runs2[j].nBegin : region.nEnd2;
       FillWedge(state, region, runs1[i], tip, true, wedge);
@@ -52,7 +56,6 @@ void CloseUnmatchedRegion(const CorrelationState& state, const _sLinkRegion& reg
       FillWedge(state, region, runs2[j], tip, false, wedge);
       ++j;
     }
-    out.push_back(wedge);
   }
 }
 

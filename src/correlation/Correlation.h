@@ -72,6 +72,15 @@ void RunLinkDcLine(CorrelationState& state, const _sZK& zk1, const _sZK& zk2,
 // bottom. A borehole without strata has every boundary at its collar.
 double GetBoundaryGC(const _sZK& zk, int32_t k);
 
+// Room for `more` regions at the end of a list, growing geometrically: closing appends to one list
+// again and again.
+inline void ReserveMore(RegionList& out, std::size_t more) {
+  const std::size_t needed = out.size() + more;
+  if (needed > out.capacity()) {
+    out.reserve(needed > 2 * out.capacity() ? needed : 2 * out.capacity());
+  }
+}
+
 // --- entry and recursion -------------------------------------------------------------------
 void InitRootRegion(const CorrelationState& state, _sLinkRegion& root);
 void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion);
@@ -97,27 +106,32 @@ void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
                     const RegionList& children, RegionList& gaps, bool bSubRegion);
 
 // --- stratum runs, shared by both closing routines -----------------------------------------
+// Runs carry the interned code of their strata (CorrelationState::Codes), so that fusing compares
+// integers; the code itself is CodeName(list, run).
 struct DcRun {
   int32_t nBegin = -1;
   int32_t nEnd = -1;
-  std::wstring strName;
+  int32_t nCode = -1;
   bool bMerged = false; // fused from several occurrences of one code
 };
 struct DcRunList {
   const _sLinkRegion* pRegion = nullptr;
   const _sZK* pZK = nullptr;
+  const CorrelationState* pState = nullptr;
+  int32_t nRegionCode = -1; // the code of the region's name; -1 when no stratum carries it
   std::vector<DcRun> vecRun;
 };
 // side true: borehole 1 with nBegin1/nEnd1; false: borehole 2 with nBegin2/nEnd2.
 void BuildDcRunList(const CorrelationState& state, DcRunList& list, const _sLinkRegion& region,
                     bool side);
-bool FindRepeatedDc(const DcRunList& list, std::wstring& name);
-int32_t CompareDcThickness(const DcRunList& list, const std::wstring& nameA,
-                           const std::wstring& nameB);
-void MergeDcRun(DcRunList& list, const std::wstring& name);
-// Builds the run list of one side and fuses repeated codes until none is left.
-std::vector<DcRun> BuildFusedRuns(const CorrelationState& state, const _sLinkRegion& region,
-                                  bool side);
+const std::wstring& CodeName(const DcRunList& list, const DcRun& run);
+// The code to fuse next, or false when nothing is left to fuse.
+bool FindRepeatedDc(const DcRunList& list, int32_t& code);
+int32_t CompareDcThickness(const DcRunList& list, int32_t codeA, int32_t codeB);
+void MergeDcRun(DcRunList& list, int32_t code);
+// Builds the run list of one side into `runs` and fuses repeated codes until none is left.
+void BuildFusedRuns(const CorrelationState& state, const _sLinkRegion& region, bool side,
+                    std::vector<DcRun>& runs);
 
 // --- closing ---------------------------------------------------------------------------------
 void CloseUnmatchedRegion(const CorrelationState& state, const _sLinkRegion& region,

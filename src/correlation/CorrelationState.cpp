@@ -1,6 +1,6 @@
 // The module-wide correlation state and the boundary elevations that every region corner uses.
 #include "correlation/Correlation.h"
-#include "correlation/CrossingResolution.h"
+#include "correlation/Workspace.h"
 
 XKLinkDc::CorrelationState::CorrelationState() = default;
 XKLinkDc::CorrelationState::~CorrelationState() = default;
@@ -17,6 +17,15 @@ XKLinkDc::CorrelationState::operator=(const CorrelationState& other) {
     m_codesBuilt = false;
   }
   return *this;
+}
+
+std::size_t xkl::Workspace::Footprint() const {
+  const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
+  return bytes(pairs) + bytes(byCode) + bytes(sweep.column) + bytes(sweep.key) +
+         bytes(sweep.live) + bytes(sweep.offset) + bytes(sweep.entries) + bytes(sweep.lo) +
+         bytes(sweep.hi) + bytes(sweep.treeMin) + bytes(sweep.treeMax) + bytes(runs.side1) +
+         bytes(runs.side2) + bytes(runs.firstRun) + bytes(runs.secondRun) +
+         bytes(runs.codesInOrder) + bytes(runs.namedBefore);
 }
 
 xkl::Workspace& XKLinkDc::CorrelationState::Work() const {

@@ -248,13 +248,6 @@ private:
 
 } // namespace
 
-std::size_t Workspace::Footprint() const {
-  const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
-  return bytes(pairs) + bytes(byCode) + bytes(sweep.column) + bytes(sweep.key) +
-         bytes(sweep.live) + bytes(sweep.offset) + bytes(sweep.entries) + bytes(sweep.lo) +
-         bytes(sweep.hi) + bytes(sweep.treeMin) + bytes(sweep.treeMax);
-}
-
 void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
   if (pairs.size() < 2) {
     return;

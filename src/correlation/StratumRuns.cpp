@@ -2,12 +2,11 @@
 // into one run that encloses whatever lies between them. A stratum met again lower in the same
 // hole is read as one bed that envelopes the strata between (a lens or a tongue of another bed).
 #include "correlation/Correlation.h"
+#include "correlation/Workspace.h"
 
 #include "records/CompareDouble.h"
 
 #include <algorithm>
-#include <string_view>
-#include <unordered_map>
 
 namespace xkl {
 
@@ -26,22 +25,25 @@ double RunThickness(const _sZK& zk, const DcRun& run) {
 
 void BuildDcRunList(const CorrelationState& state, DcRunList& list, const _sLinkRegion& region,
                     bool side) {
+  const CodeIndex& codes = state.Codes();
   list.pRegion = &region;
   list.pZK = side ? &state.zk1 : &state.zk2;
+  list.pState = &state;
+  list.nRegionCode = codes.IdOf(region.strName);
   list.vecRun.clear();
   const int32_t nBegin = std::max(side ? region.nBegin1 : region.nBegin2, -1);
   const int32_t nEnd = side ? region.nEnd1 : region.nEnd2;
   if (nBegin < 0 || nEnd - 1 < 0) {
     return;
   }
+  const std::vector<int32_t>& ids = side ? codes.ids1 : codes.ids2;
   for (int32_t i = nBegin; i < nEnd; ++i) {
-    DcRun run;
-    run.nBegin = i;
-    run.nEnd = i + 1;
-    run.strName = list.pZK->vecDC[Index(i)].strName;
-    run.bMerged = false;
-    list.vecRun.push_back(std::move(run));
+    list.vecRun.push_back(DcRun{i, i + 1, ids[Index(i)], false});
   }
+}
+
+const std::wstring& CodeName(const DcRunList& list, const DcRun& run) {
+  return *list.pState->Codes().codes[Index(run.nCode)];
 }
 
 // A code is fused from its first to its last occurrence, swallowing what lies between, when it
@@ -49,54 +51,52 @@ void BuildDcRunList(const CorrelationState& state, DcRunList& list, const _sLink
 // carries the region's own name: the envelope of the region must not be cut by another envelope.
 // Among several such codes, the thickness comparison of the last two (in order of first
 // occurrence) decides which is fused first; earlier comparisons would all be overwritten by it.
-bool FindRepeatedDc(const DcRunList& list, std::wstring& name) {
-  const _sLinkRegion& region = *list.pRegion;
+bool FindRepeatedDc(const DcRunList& list, int32_t& code) {
   const std::vector<DcRun>& runs = list.vecRun;
-  struct Occurrences {
-    std::size_t first;
-    std::size_t second;
-  };
-  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-  std::unordered_map<std::wstring_view, Occurrences> occurrences;
-  std::vector<std::wstring_view> byFirstOccurrence;
-  // namedBefore[k]: runs among the first k that carry the region's name.
-  std::vector<std::size_t> namedBefore(runs.size() + 1, 0);
+  RunBuffers& work = list.pState->Work().runs;
+  const auto codeCount = Index(list.pState->Codes().Count());
+  if (work.firstRun.size() < codeCount) {
+    work.firstRun.resize(codeCount, -1);
+    work.secondRun.resize(codeCount, -1);
+  }
+  work.codesInOrder.clear();
+  work.namedBefore.resize(runs.size() + 1);
+  work.namedBefore[0] = 0;
   for (std::size_t k = 0; k < runs.size(); ++k) {
-    const std::wstring_view code = runs[k].strName;
-    namedBefore[k + 1] = namedBefore[k] + (code == region.strName ? 1 : 0);
-    const auto [it, inserted] = occurrences.try_emplace(code, Occurrences{k, kNone});
-    if (inserted) {
-      byFirstOccurrence.push_back(code);
-    } else if (it->second.second == kNone) {
-      it->second.second = k;
+    const int32_t c = runs[k].nCode;
+    work.namedBefore[k + 1] = work.namedBefore[k] + (c == list.nRegionCode ? 1 : 0);
+    if (work.firstRun[Index(c)] < 0) {
+      work.firstRun[Index(c)] = static_cast<int32_t>(k);
+      work.codesInOrder.push_back(c);
+    } else if (work.secondRun[Index(c)] < 0) {
+      work.secondRun[Index(c)] = static_cast<int32_t>(k);
     }
   }
-  std::vector<std::wstring_view> candidates;
-  for (const std::wstring_view code : byFirstOccurrence) {
-    if (region.bNamed && code == region.strName) {
+  int32_t last = -1;
+  int32_t beforeLast = -1;
+  const bool named = list.pRegion->bNamed;
+  for (const int32_t c : work.codesInOrder) {
+    const int32_t first = work.firstRun[Index(c)];
+    const int32_t second = work.secondRun[Index(c)];
+    work.firstRun[Index(c)] = -1;
+    work.secondRun[Index(c)] = -1;
+    if (named && c == list.nRegionCode) {
       continue;
     }
-    const Occurrences& o = occurrences.at(code);
-    if (o.second != kNone && namedBefore[o.second] == namedBefore[o.first]) {
-      candidates.push_back(code);
+    if (second >= 0 && work.namedBefore[Index(second)] == work.namedBefore[Index(first)]) {
+      beforeLast = last;
+      last = c;
     }
   }
-  if (candidates.empty()) {
+  if (last < 0) {
     return false;
   }
-  if (candidates.size() == 1) {
-    name = candidates.front();
-    return true;
-  }
-  const std::wstring a(candidates[candidates.size() - 2]);
-  const std::wstring b(candidates.back());
-  name = CompareDcThickness(list, a, b) > 0 ? a : b;
+  code = beforeLast >= 0 && CompareDcThickness(list, beforeLast, last) > 0 ? beforeLast : last;
   return true;
 }
 
-int32_t CompareDcThickness(const DcRunList& list, const std::wstring& nameA,
-                           const std::wstring& nameB) {
-  if (nameA == nameB) {
+int32_t CompareDcThickness(const DcRunList& list, int32_t codeA, int32_t codeB) {
+  if (codeA == codeB) {
     return 0;
   }
   double sumA = 0.0;
@@ -104,10 +104,10 @@ int32_t CompareDcThickness(const DcRunList& list, const std::wstring& nameA,
   int countA = 0;
   int countB = 0;
   for (const DcRun& run : list.vecRun) {
-    if (run.strName == nameA) {
+    if (run.nCode == codeA) {
       sumA += RunThickness(*list.pZK, run);
       ++countA;
-    } else if (run.strName == nameB) {
+    } else if (run.nCode == codeB) {
       sumB += RunThickness(*list.pZK, run);
       ++countB;
     }
@@ -118,15 +118,14 @@ int32_t CompareDcThickness(const DcRunList& list, const std::wstring& nameA,
   return CompareDouble(sumA, sumB);
 }
 
-void MergeDcRun(DcRunList& list, const std::wstring& name) {
+void MergeDcRun(DcRunList& list, int32_t code) {
   auto& runs = list.vecRun;
-  const auto named = [&name](const DcRun& run) { return run.strName == name; };
-  const auto first = std::find_if(runs.begin(), runs.end(), named);
-  const auto lastReverse = std::find_if(runs.rbegin(), runs.rend(), named);
+  const auto coded = [code](const DcRun& run) { return run.nCode == code; };
+  const auto first = std::find_if(runs.begin(), runs.end(), coded);
   if (first == runs.end()) {
     return;
   }
-  const auto last = std::prev(lastReverse.base());
+  const auto last = std::prev(std::find_if(runs.rbegin(), runs.rend(), coded).base());
   if (!(first < last)) {
     return;
   }
@@ -135,15 +134,16 @@ void MergeDcRun(DcRunList& list, const std::wstring& name) {
   runs.erase(first + 1, last + 1);
 }
 
-std::vector<DcRun> BuildFusedRuns(const CorrelationState& state, const _sLinkRegion& region,
-                                  bool side) {
+void BuildFusedRuns(const CorrelationState& state, const _sLinkRegion& region, bool side,
+                    std::vector<DcRun>& runs) {
   DcRunList list;
+  list.vecRun.swap(runs); // reuse the caller's storage
   BuildDcRunList(state, list, region, side);
-  std::wstring name;
-  while (FindRepeatedDc(list, name)) {
-    MergeDcRun(list, name);
+  int32_t code = -1;
+  while (FindRepeatedDc(list, code)) {
+    MergeDcRun(list, code);
   }
-  return std::move(list.vecRun);
+  runs.swap(list.vecRun);
 }
 
 } // namespace xkl

@@ -9,10 +9,10 @@
 namespace xkltest {
 namespace {
 
-std::wstring Describe(const std::vector<xkl::DcRun>& runs) {
+std::wstring Describe(const xkl::DcRunList& list) {
   std::wstring s;
-  for (const auto& r : runs) {
-    s += r.strName + L"[" + std::to_wstring(r.nBegin) + L"," + std::to_wstring(r.nEnd) +
+  for (const auto& r : list.vecRun) {
+    s += xkl::CodeName(list, r) + L"[" + std::to_wstring(r.nBegin) + L"," + std::to_wstring(r.nEnd) +
          (r.bMerged ? L")*" : L")") + L" ";
   }
   return s;
@@ -36,8 +36,13 @@ protected:
     return list;
   }
   std::wstring Fused(const DataType::_sLinkRegion& region) {
-    return Describe(xkl::BuildFusedRuns(state, region, true));
+    xkl::DcRunList list = Runs(region, true);
+    xkl::BuildFusedRuns(state, region, true, list.vecRun);
+    return Describe(list);
   }
+  // The interned code, -1 for a code that neither hole carries.
+  int32_t Code(const wchar_t* code) { return state.Codes().IdOf(code); }
+  std::wstring Name(int32_t code) { return *state.Codes().codes[static_cast<std::size_t>(code)]; }
 };
 
 TEST_F(StratumRunTest, OneRunPerStratumOfTheSidesRange) {
@@ -45,10 +50,10 @@ TEST_F(StratumRunTest, OneRunPerStratumOfTheSidesRange) {
   const auto region = Region(0, 3, 0, 1);
   const auto one = Runs(region, true);
   EXPECT_EQ(one.pZK, &state.zk1);
-  EXPECT_EQ(Describe(one.vecRun), L"A[0,1) B[1,2) A[2,3) ");
+  EXPECT_EQ(Describe(one), L"A[0,1) B[1,2) A[2,3) ");
   const auto two = Runs(region, false);
   EXPECT_EQ(two.pZK, &state.zk2);
-  EXPECT_EQ(Describe(two.vecRun), L"Z[0,1) ");
+  EXPECT_EQ(Describe(two), L"Z[0,1) ");
   EXPECT_TRUE(Runs(Region(1, 1, 0, 1), true).vecRun.empty());
   auto lens = Region(1, 3, 0, 1);
   lens.nBegin2 = lens.nEnd2 = -1;
@@ -58,45 +63,45 @@ TEST_F(StratumRunTest, OneRunPerStratumOfTheSidesRange) {
 TEST_F(StratumRunTest, MergeFusesFirstToLastOccurrence) {
   LoadCodes({{L"A", 3}, {L"B", 4}, {L"A", 5}, {L"C", 2}});
   auto list = Runs(Region(0, 4, 0, 1), true);
-  xkl::MergeDcRun(list, L"C"); // a single occurrence: nothing changes
-  xkl::MergeDcRun(list, L"X");
-  EXPECT_EQ(Describe(list.vecRun), L"A[0,1) B[1,2) A[2,3) C[3,4) ");
-  xkl::MergeDcRun(list, L"A");
-  EXPECT_EQ(Describe(list.vecRun), L"A[0,3)* C[3,4) ");
+  xkl::MergeDcRun(list, Code(L"C")); // a single occurrence: nothing changes
+  xkl::MergeDcRun(list, Code(L"X"));
+  EXPECT_EQ(Describe(list), L"A[0,1) B[1,2) A[2,3) C[3,4) ");
+  xkl::MergeDcRun(list, Code(L"A"));
+  EXPECT_EQ(Describe(list), L"A[0,3)* C[3,4) ");
 }
 
 TEST_F(StratumRunTest, CompareDcThicknessNeedsTwoRunsOfEachCode) {
   LoadCodes({{L"A", 5}, {L"B", 3}, {L"C", 2}, {L"A", 5}, {L"B", 3}, {L"C", 2}, {L"D", 4}});
   const auto list = Runs(Region(0, 7, 0, 1), true);
-  EXPECT_EQ(xkl::CompareDcThickness(list, L"A", L"A"), 0);
-  EXPECT_EQ(xkl::CompareDcThickness(list, L"A", L"B"), 1); // 10 m against 6 m
-  EXPECT_EQ(xkl::CompareDcThickness(list, L"C", L"B"), -1);
-  EXPECT_EQ(xkl::CompareDcThickness(list, L"A", L"D"), -2); // D occurs once
-  EXPECT_EQ(xkl::CompareDcThickness(list, L"X", L"A"), -2);
+  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"A"), Code(L"A")), 0);
+  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"A"), Code(L"B")), 1); // 10 m against 6 m
+  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"C"), Code(L"B")), -1);
+  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"A"), Code(L"D")), -2); // D occurs once
+  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"X"), Code(L"A")), -2);
   LoadCodes({{L"B", 2.5}, {L"C", 2.500004}, {L"B", 2.5}, {L"C", 2.5}});
-  EXPECT_EQ(xkl::CompareDcThickness(Runs(Region(0, 4, 0, 1), true), L"B", L"C"), 0);
+  EXPECT_EQ(xkl::CompareDcThickness(Runs(Region(0, 4, 0, 1), true), Code(L"B"), Code(L"C")), 0);
 }
 
 TEST_F(StratumRunTest, LastTwoCandidatesDecideWhichCodeIsFusedFirst) {
   // A is the thickest repeated code, yet only the last comparison, B against C, counts.
   LoadCodes({{L"A", 5}, {L"B", 3}, {L"C", 2}, {L"A", 5}, {L"B", 3}, {L"C", 2}});
-  std::wstring name;
-  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), name));
-  EXPECT_EQ(name, L"B");
+  int32_t code = -1;
+  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), code));
+  EXPECT_EQ(Name(code), L"B");
   EXPECT_EQ(Fused(Region(0, 6, 0, 1)), L"A[0,1) B[1,5)* C[5,6) ");
   LoadCodes({{L"A", 5}, {L"B", 2}, {L"C", 3}, {L"A", 5}, {L"B", 2}, {L"C", 3}});
-  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), name));
-  EXPECT_EQ(name, L"C");
+  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), code));
+  EXPECT_EQ(Name(code), L"C");
   LoadCodes({{L"A", 5}, {L"B", 2.5}, {L"C", 2.5}, {L"A", 5}, {L"B", 2.5}, {L"C", 2.5}});
-  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), name));
-  EXPECT_EQ(name, L"C"); // a tie goes to the later candidate
+  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), code));
+  EXPECT_EQ(Name(code), L"C"); // a tie goes to the later candidate
 }
 
 TEST_F(StratumRunTest, EnvelopeCodeBeforeTheSecondOccurrenceBlocksFusing) {
   LoadCodes({{L"B", 2}, {L"A", 3}, {L"B", 2}});
-  std::wstring name;
+  int32_t code = -1;
   for (const bool named : {true, false}) {
-    EXPECT_FALSE(xkl::FindRepeatedDc(Runs(Region(0, 3, 0, 1, L"A", named, 2), true), name));
+    EXPECT_FALSE(xkl::FindRepeatedDc(Runs(Region(0, 3, 0, 1, L"A", named, 2), true), code));
   }
   // The envelope's code above the first occurrence does not count.
   LoadCodes({{L"A", 1}, {L"B", 2}, {L"C", 3}, {L"B", 2}});

@@ -1,0 +1,49 @@
+// Working storage of one correlation, reused from region to region so that a typical pair
+// allocates almost nothing beyond the regions it returns, and the large arrays of long logs are
+// allocated once.
+#pragma once
+
+#include "correlation/Correlation.h"
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace xkl {
+
+// Buffers of the crossing sweep over the pairs of equal strata.
+struct SweepBuffers {
+  std::vector<int32_t> column;  // borehole-2 column of each pair
+  std::vector<double> key;      // sweep key of each pair
+  std::vector<uint8_t> live;    // the pair is in the tree
+  std::vector<int32_t> offset;  // first entry of each column
+  std::vector<int32_t> entries; // pairs by column, each column sorted by key
+  std::vector<int32_t> lo;      // first live entry of each column
+  std::vector<int32_t> hi;      // last live entry of each column
+  std::vector<double> treeMin;
+  std::vector<double> treeMax;
+};
+
+// Buffers of the stratum runs of the closing routines.
+struct RunBuffers {
+  std::vector<DcRun> side1;
+  std::vector<DcRun> side2;
+  // Per code id: the first and second run carrying it in the list being searched, -1 outside a
+  // search.
+  std::vector<int32_t> firstRun;
+  std::vector<int32_t> secondRun;
+  std::vector<int32_t> codesInOrder; // codes by their first run
+  std::vector<int32_t> namedBefore;  // runs carrying the region's own code among the first k
+};
+
+struct Workspace {
+  std::vector<DcPair> pairs;
+  std::vector<std::pair<int32_t, int32_t>> byCode; // (code id, borehole-2 index)
+  SweepBuffers sweep;
+  RunBuffers runs;
+
+  // Bytes held by the buffers.
+  std::size_t Footprint() const;
+};
+
+} // namespace xkl
