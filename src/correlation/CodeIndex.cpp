@@ -10,7 +10,77 @@ CodeIndex CodeIndex::Build(const DataType::_sZK& zk1, const DataType::_sZK& zk2)
   return index;
 }
 
+namespace {
+
+// Up to this many distinct codes, a stratum's code is looked up among those already met; beyond,
+// all codes are sorted at once.
+constexpr std::size_t kLookupLimit = 16;
+
+} // namespace
+
 void CodeIndex::Rebuild(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
+  ids1.resize(zk1.vecDC.size());
+  ids2.resize(zk2.vecDC.size());
+  if (!RebuildFromFewCodes(zk1, zk2)) {
+    RebuildBySorting(zk1, zk2);
+  }
+}
+
+// Logs use a handful of codes: each stratum's code is found among the codes met so far (most often
+// it is the code of the stratum just above), and only the distinct codes are sorted.
+bool CodeIndex::RebuildFromFewCodes(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
+  codes.clear();
+  const auto lookUp = [this](const std::wstring& code, int32_t previous) -> int32_t {
+    if (previous >= 0 && *codes[static_cast<std::size_t>(previous)] == code) {
+      return previous;
+    }
+    for (std::size_t c = 0; c < codes.size(); ++c) {
+      if (*codes[c] == code) {
+        return static_cast<int32_t>(c);
+      }
+    }
+    if (codes.size() == kLookupLimit) {
+      return -1;
+    }
+    codes.push_back(&code);
+    return static_cast<int32_t>(codes.size()) - 1;
+  };
+  for (const auto& [zk, ids] : {std::pair{&zk1, &ids1}, std::pair{&zk2, &ids2}}) {
+    int32_t previous = -1;
+    for (std::size_t i = 0; i < zk->vecDC.size(); ++i) {
+      previous = lookUp(zk->vecDC[i].strName, previous);
+      if (previous < 0) {
+        return false;
+      }
+      (*ids)[i] = previous;
+    }
+  }
+  // Ids in order of first appearance so far; renumber them in the ordinal order of the codes.
+  int32_t byFirstAppearance[kLookupLimit];
+  const auto count = static_cast<int32_t>(codes.size());
+  for (int32_t c = 0; c < count; ++c) {
+    byFirstAppearance[c] = c;
+  }
+  std::sort(byFirstAppearance, byFirstAppearance + count, [this](int32_t a, int32_t b) {
+    return *codes[static_cast<std::size_t>(a)] < *codes[static_cast<std::size_t>(b)];
+  });
+  int32_t renumbered[kLookupLimit];
+  const std::wstring* sorted[kLookupLimit];
+  for (int32_t rank = 0; rank < count; ++rank) {
+    renumbered[byFirstAppearance[rank]] = rank;
+    sorted[rank] = codes[static_cast<std::size_t>(byFirstAppearance[rank])];
+  }
+  codes.assign(sorted, sorted + count);
+  for (int32_t& id : ids1) {
+    id = renumbered[id];
+  }
+  for (int32_t& id : ids2) {
+    id = renumbered[id];
+  }
+  return true;
+}
+
+void CodeIndex::RebuildBySorting(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
   // Every stratum's code, sorted once; equal codes then stand together and get one id.
   m_order.clear();
   const auto count1 = static_cast<int32_t>(zk1.vecDC.size());
@@ -23,8 +93,6 @@ void CodeIndex::Rebuild(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
   std::sort(m_order.begin(), m_order.end(),
             [](const auto& a, const auto& b) { return *a.first < *b.first; });
   codes.clear();
-  ids1.resize(zk1.vecDC.size());
-  ids2.resize(zk2.vecDC.size());
   for (const auto& [code, stratum] : m_order) {
     if (codes.empty() || *codes.back() != *code) {
       codes.push_back(code);

@@ -30,6 +30,8 @@ struct CodeIndex {
   mutable uint32_t mark = 0;
 
 private:
+  bool RebuildFromFewCodes(const DataType::_sZK& zk1, const DataType::_sZK& zk2);
+  void RebuildBySorting(const DataType::_sZK& zk1, const DataType::_sZK& zk2);
   std::vector<std::pair<const std::wstring*, int32_t>> m_order; // working storage of Rebuild
 };
 

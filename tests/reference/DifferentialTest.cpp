@@ -499,6 +499,18 @@ TEST(Differential, FewCodesManyRepeats) {
   });
 }
 
+TEST(Differential, ManyCodes) {
+  // Detailed logging schemes with dozens of codes, few of them shared by the two holes.
+  RunSeeds("many codes", 7000000, 400, [](std::mt19937_64& rng) {
+    xktest::RandomBoreholeOptions opt;
+    opt.minStrata = 10;
+    opt.maxStrata = 60;
+    opt.codeCount = xktest::UniformInt(rng, 12, 40);
+    opt.numericCodes = xktest::Chance(rng, 0.5);
+    return opt;
+  });
+}
+
 TEST(Differential, DegenerateGeometry) {
   // Holes without strata, zero thicknesses, gaps, sub-tolerance offsets, equal elevations on a
   // coarse grid, empty codes, holes at one plan position.
