@@ -110,8 +110,7 @@ int32_t ConsumeAt(std::vector<DcPair>& pairs, const std::vector<std::pair<int32_
 void MatchCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
                        std::vector<DcPair>& pairs) {
   CollectPairs(state, region, pairs);
-  DropCrossingPairs(pairs, state.Work().sweep);
-  ReadmitDroppedPairs(pairs);
+  ResolveCrossings(pairs, state.Work());
   std::erase_if(pairs, [](const DcPair& pair) { return pair.bDrop; });
 }
 

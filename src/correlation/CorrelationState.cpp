@@ -25,7 +25,9 @@ std::size_t xkl::Workspace::Footprint() const {
          bytes(sweep.live) + bytes(sweep.offset) + bytes(sweep.entries) + bytes(sweep.lo) +
          bytes(sweep.hi) + bytes(sweep.treeMin) + bytes(sweep.treeMax) + bytes(runs.side1) +
          bytes(runs.side2) + bytes(runs.firstRun) + bytes(runs.secondRun) +
-         bytes(runs.codesInOrder) + bytes(runs.namedBefore);
+         bytes(runs.codesInOrder) + bytes(runs.namedBefore) +
+         bytes(bitsets.rowBegin) + bytes(bitsets.rowEnd) + bytes(bitsets.column) +
+         bytes(bitsets.earlierColumns) + bytes(bitsets.candidates);
 }
 
 xkl::Workspace& XKLinkDc::CorrelationState::Work() const {

@@ -1,9 +1,15 @@
 // Settling the pairs of equal strata that contradict each other, fast.
 //
 // Two pairs cross when one lies above the other in one borehole and below it in the other: a
-// two-dimensional dominance relation between the pairs as points (nDC1, nDC2). The sweeps below
-// answer "which live pairs cross this one" with a segment tree over the borehole-2 indices instead
-// of comparing every pair with every other, and give exactly the decisions of the pairwise rules.
+// two-dimensional dominance relation between the pairs as points (nDC1, nDC2). Both methods below
+// give exactly the decisions of the pairwise rules:
+//   1. the first sweep: for each pair a, in order, that is not dropped, every later pair not yet
+//      dropped that crosses a is compared with it, and the one whose mid elevations differ more is
+//      dropped (the later one on equal keys); a pair that has lost goes on comparing with the
+//      pairs after it;
+//   2. the second chance: dropped pairs that cross no kept pair are re-admitted, those sharing no
+//      stratum with a kept pair first (their key becomes 0), then by their key (stable), each
+//      unless it crosses a pair re-admitted before it.
 #pragma once
 
 #include "correlation/Correlation.h"
@@ -13,15 +19,17 @@
 
 namespace xkl {
 
-// The first sweep. Pairs are in collection order (by nDC1, then nDC2). For each pair a, in order,
-// that is not dropped: every later pair not yet dropped that crosses a is compared with it, and the
-// one whose mid elevations differ more is dropped (the later one on equal keys). A pair that has
-// lost goes on comparing with the pairs after it.
-void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers);
+// Pairs are in collection order (by nDC1, then nDC2), none dropped; afterwards bDrop marks the
+// pairs that lost for good. Chooses the method by the number of pairs.
+void ResolveCrossings(std::vector<DcPair>& pairs, Workspace& work);
 
-// The second chance: dropped pairs that cross no kept pair are re-admitted, those sharing no
-// stratum with a kept pair first (their key becomes 0), then by their key (stable), each unless it
-// crosses a pair re-admitted before it.
-void ReadmitDroppedPairs(std::vector<DcPair>& pairs);
+// Sets of pairs as bitsets, for at most kMaxBitsetPairs pairs; false (and nothing done) for more.
+constexpr std::size_t kMaxBitsetPairs = 256;
+bool ResolveCrossingsByBitsets(std::vector<DcPair>& pairs, BitsetBuffers& buffers);
+// A sweep over a segment tree: n log n in the number of pairs.
+void ResolveCrossingsBySweep(std::vector<DcPair>& pairs, SweepBuffers& buffers);
+
+// Sorts re-admission candidates by key, keeping the list order of equal keys.
+void StableSortByKey(std::vector<DcPair*>& candidates);
 
 } // namespace xkl

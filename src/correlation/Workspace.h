@@ -24,6 +24,15 @@ struct SweepBuffers {
   std::vector<double> treeMax;
 };
 
+// Buffers of the crossing resolution by bitsets.
+struct BitsetBuffers {
+  std::vector<int32_t> rowBegin; // first pair of each pair's row
+  std::vector<int32_t> rowEnd;   // one past the last pair of each pair's row
+  std::vector<int32_t> column;   // each pair's column, counted from the lowest
+  std::vector<uint64_t> earlierColumns; // per column: the pairs in the columns before it
+  std::vector<DcPair*> candidates;
+};
+
 // Buffers of the stratum runs of the closing routines.
 struct RunBuffers {
   std::vector<DcRun> side1;
@@ -40,6 +49,7 @@ struct Workspace {
   std::vector<DcPair> pairs;
   std::vector<std::pair<int32_t, int32_t>> byCode; // (code id, borehole-2 index)
   SweepBuffers sweep;
+  BitsetBuffers bitsets;
   RunBuffers runs;
 
   // Bytes held by the buffers.

@@ -1,0 +1,311 @@
+// Settling crossing pairs when they run into the thousands (long logs of few codes): a sweep over
+// the rows with a segment tree over the columns answers "which live later pairs cross this one"
+// in logarithmic time, and prefix maxima over the rows settle the re-admissions.
+#include "correlation/CrossingResolution.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <limits>
+
+namespace xkl {
+
+namespace {
+
+std::size_t Index(int32_t i) { return static_cast<std::size_t>(i); }
+
+// The sweep key of a pair. The pairwise rule "drop b unless a's key is greater" and "drop a when
+// a's key is greater" treat a key that is not a number exactly like +infinity on b's side: b is
+// always dropped and never drops a. On a's side a NaN key drops every crossing pair and never a
+// itself, which the sweep handles apart.
+double SweepKey(double dDiffGC) {
+  return std::isnan(dDiffGC) ? std::numeric_limits<double>::infinity() : dDiffGC;
+}
+
+constexpr double kNoKey = -std::numeric_limits<double>::infinity(); // greatest key of no pair
+constexpr double kBelowAllKeys = -1.0; // keys are absolute differences, never below 0
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// The live pairs of the rows below the sweep, by borehole-2 column. Each column keeps its pairs
+// sorted by key (stored flat, column after column); pairs leave a column from either end (lazily,
+// by a flag) or are dropped from its top. A segment tree over the columns holds the least and
+// greatest key still live.
+class ColumnTree {
+public:
+  ColumnTree(SweepBuffers& buffers, std::size_t columnCount) : m(buffers) {
+    const std::size_t count = m.column.size();
+    m.offset.assign(columnCount + 1, 0);
+    for (std::size_t p = 0; p < count; ++p) {
+      if (m.live[p]) {
+        ++m.offset[Index(m.column[p]) + 1];
+      }
+    }
+    for (std::size_t c = 0; c < columnCount; ++c) {
+      m.offset[c + 1] += m.offset[c];
+    }
+    m.entries.resize(Index(m.offset[columnCount]));
+    m.lo.assign(m.offset.begin(), m.offset.end() - 1);
+    m.hi.assign(m.offset.begin(), m.offset.end() - 1); // used as fill cursors first
+    for (std::size_t p = 0; p < count; ++p) {
+      if (m.live[p]) {
+        m.entries[Index(m.hi[Index(m.column[p])]++)] = static_cast<int32_t>(p);
+      }
+    }
+    m_size = 1;
+    while (m_size < columnCount) {
+      m_size *= 2;
+    }
+    m.treeMin.assign(2 * m_size, kInfinity);
+    m.treeMax.assign(2 * m_size, kNoKey);
+    for (std::size_t c = 0; c < columnCount; ++c) {
+      const auto first = m.entries.begin() + m.offset[c];
+      const auto last = m.entries.begin() + m.offset[c + 1];
+      std::sort(first, last, [this](int32_t a, int32_t b) { return m.key[Index(a)] < m.key[Index(b)]; });
+      --m.hi[c]; // last entry of the column
+      Refresh(c, false);
+    }
+    for (std::size_t node = m_size - 1; node >= 1; --node) {
+      Pull(node);
+    }
+  }
+
+  // The pair has left the structure (its flag in `live` is already cleared).
+  void Leave(int32_t column) { Refresh(Index(column), true); }
+
+  // Least live key among columns [0, end); +infinity when there is none.
+  double MinKey(int32_t end) const {
+    double best = kInfinity;
+    std::size_t lo = m_size;
+    std::size_t hi = m_size + Index(end);
+    while (lo < hi) {
+      if (lo & 1) {
+        best = std::min(best, m.treeMin[lo++]);
+      }
+      if (hi & 1) {
+        best = std::min(best, m.treeMin[--hi]);
+      }
+      lo >>= 1;
+      hi >>= 1;
+    }
+    return best;
+  }
+
+  // Removes every live pair of columns [0, end) whose key is at least `threshold`, calling
+  // drop(pair) for each.
+  template <class Drop> void DropFrom(int32_t end, double threshold, Drop&& drop) {
+    DropIn(1, 0, m_size, Index(end), threshold, drop);
+  }
+
+private:
+  template <class Drop>
+  void DropIn(std::size_t node, std::size_t nodeLo, std::size_t nodeHi, std::size_t end,
+              double threshold, Drop& drop) {
+    if (nodeLo >= end || m.treeMax[node] < threshold) {
+      return;
+    }
+    if (node >= m_size) {
+      const std::size_t c = node - m_size;
+      while (m.hi[c] >= m.lo[c]) {
+        const int32_t p = m.entries[Index(m.hi[c])];
+        if (m.live[Index(p)]) {
+          if (m.key[Index(p)] < threshold) {
+            break;
+          }
+          drop(p);
+        }
+        --m.hi[c];
+      }
+      Refresh(c, false);
+      return;
+    }
+    const std::size_t mid = (nodeLo + nodeHi) / 2;
+    DropIn(2 * node, nodeLo, mid, end, threshold, drop);
+    DropIn(2 * node + 1, mid, nodeHi, end, threshold, drop);
+    Pull(node);
+  }
+
+  void Pull(std::size_t node) {
+    m.treeMin[node] = std::min(m.treeMin[2 * node], m.treeMin[2 * node + 1]);
+    m.treeMax[node] = std::max(m.treeMax[2 * node], m.treeMax[2 * node + 1]);
+  }
+
+  // Skips pairs that have left at both ends of a column and stores its least and greatest key.
+  void Refresh(std::size_t c, bool propagate) {
+    while (m.lo[c] <= m.hi[c] && !m.live[Index(m.entries[Index(m.lo[c])])]) {
+      ++m.lo[c];
+    }
+    while (m.hi[c] >= m.lo[c] && !m.live[Index(m.entries[Index(m.hi[c])])]) {
+      --m.hi[c];
+    }
+    std::size_t node = m_size + c;
+    const double oldMin = m.treeMin[node];
+    const double oldMax = m.treeMax[node];
+    if (m.lo[c] <= m.hi[c]) {
+      m.treeMin[node] = m.key[Index(m.entries[Index(m.lo[c])])];
+      m.treeMax[node] = m.key[Index(m.entries[Index(m.hi[c])])];
+    } else {
+      m.treeMin[node] = kInfinity;
+      m.treeMax[node] = kNoKey;
+    }
+    // Keys are never NaN here, so equality tells whether the ancestors need updating.
+    if (propagate && (m.treeMin[node] != oldMin || m.treeMax[node] != oldMax)) {
+      for (node >>= 1; node >= 1; node >>= 1) {
+        Pull(node);
+      }
+    }
+  }
+
+  SweepBuffers& m;
+  std::size_t m_size = 1;
+};
+
+// Prefix maximum (or, with negated values, minimum) over row indices, for growing sets.
+class PrefixMax {
+public:
+  explicit PrefixMax(std::size_t size) : m_tree(size + 1, INT_MIN) {}
+  void Raise(std::size_t position, int32_t value) {
+    for (std::size_t i = position + 1; i < m_tree.size(); i += i & (~i + 1)) {
+      m_tree[i] = std::max(m_tree[i], value);
+    }
+  }
+  // Maximum over positions [0, end).
+  int32_t Max(std::size_t end) const {
+    int32_t best = INT_MIN;
+    for (std::size_t i = end; i > 0; i -= i & (~i + 1)) {
+      best = std::max(best, m_tree[i]);
+    }
+    return best;
+  }
+
+private:
+  std::vector<int32_t> m_tree;
+};
+
+void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
+  int32_t lowest = pairs.front().nDC2;
+  int32_t highest = lowest;
+  for (const DcPair& pair : pairs) {
+    lowest = std::min(lowest, pair.nDC2);
+    highest = std::max(highest, pair.nDC2);
+  }
+  std::vector<int32_t>& column = buffers.column;
+  std::vector<double>& key = buffers.key;
+  std::vector<uint8_t>& live = buffers.live;
+  column.resize(pairs.size());
+  key.resize(pairs.size());
+  live.resize(pairs.size());
+  for (std::size_t p = 0; p < pairs.size(); ++p) {
+    column[p] = pairs[p].nDC2 - lowest;
+    key[p] = SweepKey(pairs[p].dDiffGC);
+    live[p] = pairs[p].bDrop ? 0 : 1;
+  }
+  ColumnTree tree(buffers, Index(highest - lowest + 1));
+
+  // Rows are processed in order; the tree holds the live pairs of the rows after the current one,
+  // which are exactly the later pairs that can cross a pair of the current row.
+  std::size_t rowBegin = 0;
+  while (rowBegin < pairs.size()) {
+    std::size_t rowEnd = rowBegin;
+    while (rowEnd < pairs.size() && pairs[rowEnd].nDC1 == pairs[rowBegin].nDC1) {
+      ++rowEnd;
+    }
+    for (std::size_t p = rowBegin; p < rowEnd; ++p) {
+      if (live[p]) {
+        live[p] = 0;
+        tree.Leave(column[p]);
+      }
+    }
+    for (std::size_t a = rowBegin; a < rowEnd; ++a) {
+      if (pairs[a].bDrop) {
+        continue;
+      }
+      // The later pairs that cross a lie in later rows and in earlier columns.
+      const int32_t end = column[a];
+      const bool aIsNan = std::isnan(pairs[a].dDiffGC);
+      if (!aIsNan && tree.MinKey(end) < key[a]) {
+        pairs[a].bDrop = true;
+      }
+      tree.DropFrom(end, aIsNan ? kBelowAllKeys : key[a], [&pairs, &live](int32_t b) {
+        pairs[Index(b)].bDrop = true;
+        live[Index(b)] = 0;
+      });
+    }
+    rowBegin = rowEnd;
+  }
+}
+
+void ReadmitDroppedPairs(std::vector<DcPair>& pairs) {
+  int32_t rows = 0;
+  int32_t cols = 0;
+  for (const DcPair& pair : pairs) {
+    rows = std::max(rows, pair.nDC1 + 1);
+    cols = std::max(cols, pair.nDC2 + 1);
+  }
+  // What the kept pairs say about each row and column.
+  std::vector<int32_t> keptMaxBefore(Index(rows) + 1, INT_MIN); // max nDC2 of kept rows < r
+  std::vector<int32_t> keptMinAfter(Index(rows) + 1, INT_MAX);  // min nDC2 of kept rows > r
+  std::vector<bool> rowKept(Index(rows), false);
+  std::vector<bool> colKept(Index(cols), false);
+  std::vector<int32_t> rowMax(Index(rows), INT_MIN);
+  std::vector<int32_t> rowMin(Index(rows), INT_MAX);
+  for (const DcPair& pair : pairs) {
+    if (!pair.bDrop) {
+      rowKept[Index(pair.nDC1)] = true;
+      colKept[Index(pair.nDC2)] = true;
+      rowMax[Index(pair.nDC1)] = std::max(rowMax[Index(pair.nDC1)], pair.nDC2);
+      rowMin[Index(pair.nDC1)] = std::min(rowMin[Index(pair.nDC1)], pair.nDC2);
+    }
+  }
+  for (int32_t r = 0; r < rows; ++r) {
+    keptMaxBefore[Index(r) + 1] = std::max(keptMaxBefore[Index(r)], rowMax[Index(r)]);
+  }
+  for (int32_t r = rows - 1; r >= 0; --r) {
+    keptMinAfter[Index(r)] = std::min(keptMinAfter[Index(r) + 1], rowMin[Index(r)]);
+  }
+
+  std::vector<DcPair*> candidates;
+  for (DcPair& pair : pairs) {
+    if (!pair.bDrop) {
+      continue;
+    }
+    const std::size_t r = Index(pair.nDC1);
+    const bool crossesKept = keptMaxBefore[r] > pair.nDC2 || keptMinAfter[r + 1] < pair.nDC2;
+    if (crossesKept) {
+      continue;
+    }
+    if (!rowKept[r] && !colKept[Index(pair.nDC2)]) {
+      pair.dDiffGC = 0.0;
+    }
+    candidates.push_back(&pair);
+  }
+  StableSortByKey(candidates);
+
+  // Re-admitted pairs so far: the greatest nDC2 over rows before r, and (on reversed rows) the
+  // least nDC2 over rows after r, stored negated as a maximum.
+  PrefixMax before(Index(rows));
+  PrefixMax after(Index(rows));
+  for (DcPair* candidate : candidates) {
+    const std::size_t r = Index(candidate->nDC1);
+    const int32_t negatedMinAfter = after.Max(Index(rows) - 1 - r);
+    const bool crosses = before.Max(r) > candidate->nDC2 ||
+                         (negatedMinAfter != INT_MIN && -negatedMinAfter < candidate->nDC2);
+    if (crosses) {
+      continue;
+    }
+    candidate->bDrop = false;
+    before.Raise(r, candidate->nDC2);
+    after.Raise(Index(rows) - 1 - r, -candidate->nDC2);
+  }
+}
+
+} // namespace
+
+void ResolveCrossingsBySweep(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
+  if (pairs.size() < 2) {
+    return;
+  }
+  DropCrossingPairs(pairs, buffers);
+  ReadmitDroppedPairs(pairs);
+}
+
+} // namespace xkl
