@@ -38,18 +38,20 @@ void CollectLeafRegions(const _sLinkRegion& region, std::vector<const _sLinkRegi
 void AppendLeafLines(const _sLinkRegion& root, LineList& lines) {
   std::vector<const _sLinkRegion*> leaves;
   CollectLeafRegions(root, leaves);
-  _sLinkLine line;
+  lines.reserve(lines.size() + 2 * leaves.size());
   for (const _sLinkRegion* leaf : leaves) {
-    line.strUpName = leaf->strName;
-    line.nType = leaf->nType;
-    line.bBottom = false;
-    line.pt1 = leaf->ptTop[0];
-    line.pt2 = leaf->ptTop[1];
-    lines.push_back(line);
-    line.pt1 = leaf->ptBot[0];
-    line.pt2 = leaf->ptBot[1];
-    line.bBottom = true;
-    lines.push_back(line);
+    _sLinkLine& top = lines.emplace_back();
+    top.strUpName = leaf->strName;
+    top.nType = leaf->nType;
+    top.bBottom = false;
+    top.pt1 = leaf->ptTop[0];
+    top.pt2 = leaf->ptTop[1];
+    _sLinkLine& bottom = lines.emplace_back();
+    bottom.strUpName = leaf->strName;
+    bottom.nType = leaf->nType;
+    bottom.bBottom = true;
+    bottom.pt1 = leaf->ptBot[0];
+    bottom.pt2 = leaf->ptBot[1];
   }
 }
 

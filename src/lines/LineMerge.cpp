@@ -44,11 +44,11 @@ struct Cell {
 int64_t CellOf(double z) { return static_cast<int64_t>(std::floor(z * kCellsPerUnit)); }
 
 // The walk from the last line to the first, each line looking for the nearest earlier line that is
-// the same, with lines taken out as they merge. Positions in the vector are replaced by the lines'
-// original indices: removals keep the order of the others.
+// the same, with lines taken out as they merge (their flag in `alive` cleared). Positions in the
+// vector are replaced by the lines' original indices: removals keep the order of the others.
 class LineMerger {
 public:
-  explicit LineMerger(LineList& lines) : m_lines(lines), m_alive(lines.size(), 1) {
+  LineMerger(LineList& lines, std::vector<uint8_t>& alive) : m_lines(lines), m_alive(alive) {
     m_previous.resize(lines.size());
     for (std::size_t i = 0; i < lines.size(); ++i) {
       m_previous[i] = static_cast<std::ptrdiff_t>(i) - 1;
@@ -91,16 +91,6 @@ public:
         cursor = m_previous[i];
       }
     }
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < m_lines.size(); ++i) {
-      if (m_alive[i]) {
-        if (kept != i) {
-          m_lines[kept] = std::move(m_lines[i]);
-        }
-        ++kept;
-      }
-    }
-    m_lines.erase(m_lines.begin() + static_cast<std::ptrdiff_t>(kept), m_lines.end());
   }
 
 private:
@@ -163,7 +153,7 @@ private:
   }
 
   LineList& m_lines;
-  std::vector<uint8_t> m_alive;
+  std::vector<uint8_t>& m_alive;
   std::vector<std::ptrdiff_t> m_previous;
   std::vector<std::size_t> m_next;
   std::vector<Cell> m_grid;
@@ -178,41 +168,69 @@ bool SameLine(const _sLinkLine& a, const _sLinkLine& b) {
   return !ClearlyApart(a.pt1.z, b.pt1.z) && !ClearlyApart(a.pt2.z, b.pt2.z) && a.IsSame(b);
 }
 
-// The walk as it reads, for the few dozen lines of a typical pair: cheaper than building a grid.
-void MergeSameLinesInPlace(LineList& lines) {
-  for (std::ptrdiff_t i = static_cast<std::ptrdiff_t>(lines.size()) - 1; i >= 0; --i) {
-    const auto iu = static_cast<std::size_t>(i);
-    std::ptrdiff_t j = i - 1;
-    while (j >= 0 && !SameLine(lines[static_cast<std::size_t>(j)], lines[iu])) {
-      --j;
+// The same walk for the few dozen lines of a typical pair, where scanning beats building a grid.
+void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
+  const auto previousAlive = [&alive](std::ptrdiff_t i) {
+    do {
+      --i;
+    } while (i >= 0 && !alive[static_cast<std::size_t>(i)]);
+    return i;
+  };
+  std::ptrdiff_t cursor = static_cast<std::ptrdiff_t>(lines.size()) - 1;
+  while (cursor >= 0) {
+    const auto i = static_cast<std::size_t>(cursor);
+    std::ptrdiff_t j = previousAlive(cursor);
+    while (j >= 0 && !SameLine(lines[static_cast<std::size_t>(j)], lines[i])) {
+      j = previousAlive(j);
     }
     if (j < 0) {
+      cursor = previousAlive(cursor);
       continue;
     }
     const auto ju = static_cast<std::size_t>(j);
-    if (lines[iu].bBottom) {
-      lines[iu].strDownName = lines[ju].strUpName;
-      lines.erase(lines.begin() + j);
+    if (lines[i].bBottom) {
+      // A region's bottom survives and takes the name of the region below it; it is examined
+      // once more, so it may absorb a further coinciding line.
+      lines[i].strDownName = lines[ju].strUpName;
+      alive[ju] = 0;
     } else {
-      lines[ju].strDownName = lines[iu].strUpName;
-      lines.erase(lines.begin() + i);
+      lines[ju].strDownName = lines[i].strUpName;
+      alive[i] = 0;
+      cursor = previousAlive(cursor);
     }
   }
 }
 
-constexpr std::size_t kInPlaceLimit = 96;
+constexpr std::size_t kScanLimit = 96;
 
-} // namespace
-
-void MergeSameLines(LineList& lines) {
-  if (lines.size() <= kInPlaceLimit) {
-    MergeSameLinesInPlace(lines);
+// Merges coinciding lines: names set, the lines taken out flagged 0 in `alive`; clears bBottom.
+void MarkSameLines(LineList& lines, std::vector<uint8_t>& alive) {
+  alive.assign(lines.size(), 1);
+  if (lines.size() <= kScanLimit) {
+    MarkSameLinesByScan(lines, alive);
   } else {
-    LineMerger(lines).Run();
+    LineMerger(lines, alive).Run();
   }
   for (_sLinkLine& line : lines) {
     line.bBottom = false;
   }
+}
+
+} // namespace
+
+void MergeSameLines(LineList& lines) {
+  std::vector<uint8_t> alive;
+  MarkSameLines(lines, alive);
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (alive[i]) {
+      if (kept != i) {
+        lines[kept] = std::move(lines[i]);
+      }
+      ++kept;
+    }
+  }
+  lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(kept), lines.end());
 }
 
 // Lines that start on the same plan position are ordered there, where they stand side by side;
@@ -227,14 +245,32 @@ bool IsLineAbove(const _sLinkLine& a, const _sLinkLine& b) {
   return (a.pt2.z + a.pt1.z) > (b.pt2.z + b.pt1.z);
 }
 
+// The lines are sorted as indices and moved once, into their final places: a line record with its
+// two names is large, and the merge, the sort and the removal of the highest line would otherwise
+// each move most of them.
 void FinishLines(LineList& lines) {
-  MergeSameLines(lines);
-  BoundedIntroSort(lines.begin(), lines.end(), IsLineAbove);
+  std::vector<uint8_t> alive;
+  MarkSameLines(lines, alive);
+  std::vector<uint32_t> order;
+  order.reserve(lines.size());
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (alive[i]) {
+      order.push_back(static_cast<uint32_t>(i));
+    }
+  }
+  BoundedIntroSort(order.begin(), order.end(), [&lines](uint32_t a, uint32_t b) {
+    return IsLineAbove(lines[a], lines[b]);
+  });
   // The highest line of a finished section joins the two collars: the ground surface, which the
   // host draws from its own terrain data.
-  if (!lines.empty()) {
-    lines.erase(lines.begin());
+  LineList finished;
+  if (order.size() > 1) {
+    finished.reserve(order.size() - 1);
+    for (std::size_t k = 1; k < order.size(); ++k) {
+      finished.push_back(std::move(lines[order[k]]));
+    }
   }
+  lines.swap(finished);
 }
 
 } // namespace xkl
