@@ -7,6 +7,7 @@
 // get a second chance afterwards when they contradict nothing that was kept.
 #include "correlation/Correlation.h"
 #include "correlation/CrossingResolution.h"
+#include "correlation/Workspace.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,74 +32,70 @@ void CollectPairs(const CorrelationState& state, const _sLinkRegion& region,
   }
   const CodeIndex& codes = state.Codes();
   const int32_t excluded = region.bNamed ? codes.IdOf(region.strName) : -1;
+  const int32_t first1 = std::max(Normalised(region.nBegin1), 0);
   const int32_t last1 = Normalised(region.nEnd1 - 1);
+  const int32_t first2 = std::max(Normalised(region.nBegin2), 0);
   const int32_t last2 = Normalised(region.nEnd2 - 1);
-  // The borehole-2 strata of the range grouped by code, each group in increasing index.
-  std::vector<std::pair<int32_t, int32_t>>& byCode = state.Work().byCode;
-  byCode.clear();
-  for (int32_t j = std::max(Normalised(region.nBegin2), 0); j <= last2; ++j) {
-    const int32_t id = codes.ids2[Index(j)];
-    if (id != excluded) {
-      byCode.emplace_back(id, j);
-    }
+  // The borehole-2 strata of the range chained by code, each chain in increasing index, and the
+  // length of each chain.
+  Workspace& work = state.Work();
+  const auto codeCount = Index(codes.Count());
+  if (work.firstOfCode.size() < codeCount) {
+    work.firstOfCode.resize(codeCount, -1);
+    work.countOfCode.resize(codeCount, 0);
   }
-  std::sort(byCode.begin(), byCode.end());
-  // Count first: the pairs of two long logs run into the hundreds of thousands.
+  work.nextOfCode.resize(Index(std::max(last2 + 1, 0)));
+  for (int32_t j = last2; j >= first2; --j) {
+    const auto id = Index(codes.ids2[Index(j)]);
+    work.nextOfCode[Index(j)] = work.firstOfCode[id];
+    work.firstOfCode[id] = j;
+    ++work.countOfCode[id];
+  }
+  // Count first: the pairs of two long logs run into the millions, and growing the list step by
+  // step would hold it twice at the end.
   std::size_t count = pairs.size();
-  for (int32_t i = std::max(Normalised(region.nBegin1), 0); i <= last1; ++i) {
+  for (int32_t i = first1; i <= last1; ++i) {
     const int32_t id = codes.ids1[Index(i)];
     if (id != excluded) {
-      const auto range = std::equal_range(byCode.begin(), byCode.end(), std::make_pair(id, -1),
-                                          [](const auto& a, const auto& b) { return a.first < b.first; });
-      count += static_cast<std::size_t>(range.second - range.first);
+      count += Index(work.countOfCode[Index(id)]);
     }
   }
   pairs.reserve(count);
-  for (int32_t i = std::max(Normalised(region.nBegin1), 0); i <= last1; ++i) {
+  for (int32_t i = first1; i <= last1; ++i) {
     const int32_t id = codes.ids1[Index(i)];
     if (id == excluded) {
       continue;
     }
-    const auto first = std::lower_bound(byCode.begin(), byCode.end(), std::make_pair(id, -1));
     const double mid1 = MidElevation(state.zk1.vecDC[Index(i)]);
-    for (auto it = first; it != byCode.end() && it->first == id; ++it) {
+    for (int32_t j = work.firstOfCode[Index(id)]; j >= 0; j = work.nextOfCode[Index(j)]) {
       DcPair pair;
       pair.nDC1 = i;
-      pair.nDC2 = it->second;
-      pair.dDiffGC = std::fabs(mid1 - MidElevation(state.zk2.vecDC[Index(it->second)]));
+      pair.nDC2 = j;
+      pair.dDiffGC = std::fabs(mid1 - MidElevation(state.zk2.vecDC[Index(j)]));
       pairs.push_back(pair);
     }
   }
+  for (int32_t j = first2; j <= last2; ++j) {
+    const auto id = Index(codes.ids2[Index(j)]);
+    work.firstOfCode[id] = -1;
+    work.countOfCode[id] = 0;
+  }
 }
 
-// The pairs of each borehole-1 index and of each borehole-2 index, for chaining.
-struct PairIndex {
-  std::vector<std::pair<int32_t, int32_t>> byRow;    // (nDC1, position), sorted
-  std::vector<std::pair<int32_t, int32_t>> byColumn; // (nDC2, position), sorted
-
-  explicit PairIndex(const std::vector<DcPair>& pairs) {
-    for (std::size_t p = 0; p < pairs.size(); ++p) {
-      byRow.emplace_back(pairs[p].nDC1, static_cast<int32_t>(p));
-      byColumn.emplace_back(pairs[p].nDC2, static_cast<int32_t>(p));
-    }
-    std::sort(byRow.begin(), byRow.end());
-    std::sort(byColumn.begin(), byColumn.end());
-  }
-};
-
-// Marks consumed every unconsumed pair whose key (row or column) equals `value` and returns the
-// greatest other index among them, or -1 with found false when there is none.
-template <class OtherIndex>
-int32_t ConsumeAt(std::vector<DcPair>& pairs, const std::vector<std::pair<int32_t, int32_t>>& keyed,
-                  int32_t value, OtherIndex other, bool& found) {
+// Marks consumed every unconsumed pair whose borehole-1 index (row) or borehole-2 index (column)
+// equals `value`, and returns the greatest other index among them; found is false when there is
+// none. The pairs that remain after the crossings are settled stand in increasing order of both
+// indices (none crosses another), so each row and each column is one stretch of the list.
+template <class Key, class Other>
+int32_t ConsumeAt(std::vector<DcPair>& pairs, int32_t value, Key key, Other other, bool& found) {
   found = false;
   int32_t m = -1;
-  for (auto it = std::lower_bound(keyed.begin(), keyed.end(), std::make_pair(value, -1));
-       it != keyed.end() && it->first == value; ++it) {
-    DcPair& pair = pairs[Index(it->second)];
-    if (!pair.bDrop) {
-      pair.bDrop = true;
-      m = found ? std::max(m, other(pair)) : other(pair);
+  auto it = std::lower_bound(pairs.begin(), pairs.end(), value,
+                             [&key](const DcPair& pair, int32_t v) { return key(pair) < v; });
+  for (; it != pairs.end() && key(*it) == value; ++it) {
+    if (!it->bDrop) {
+      it->bDrop = true;
+      m = found ? std::max(m, other(*it)) : other(*it);
       found = true;
     }
   }
@@ -124,7 +121,6 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
   if (region.nBegin1 < region.nEnd1) {
     MatchCommonStrata(state, region, pairs);
   }
-  const PairIndex index(pairs);
   const auto row = [](const DcPair& pair) { return pair.nDC1; };
   const auto column = [](const DcPair& pair) { return pair.nDC2; };
   _sLinkRegion sub;
@@ -143,12 +139,12 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
     // envelope from its first to its last occurrence there.
     for (;;) {
       bool found = false;
-      const int32_t m2 = ConsumeAt(pairs, index.byRow, i1, column, found);
+      const int32_t m2 = ConsumeAt(pairs, i1, row, column, found);
       if (!found) {
         break;
       }
       i2 = m2;
-      const int32_t m1 = ConsumeAt(pairs, index.byColumn, i2, row, found);
+      const int32_t m1 = ConsumeAt(pairs, i2, column, row, found);
       if (!found) {
         break;
       }

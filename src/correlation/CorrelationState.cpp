@@ -21,7 +21,7 @@ XKLinkDc::CorrelationState::operator=(const CorrelationState& other) {
 
 std::size_t xkl::Workspace::Footprint() const {
   const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
-  return bytes(pairs) + bytes(byCode) + bytes(sweep.column) + bytes(sweep.key) +
+  return bytes(pairs) + bytes(firstOfCode) + bytes(nextOfCode) + bytes(countOfCode) + bytes(sweep.column) + bytes(sweep.key) +
          bytes(sweep.live) + bytes(sweep.offset) + bytes(sweep.entries) + bytes(sweep.lo) +
          bytes(sweep.hi) + bytes(sweep.treeMin) + bytes(sweep.treeMax) + bytes(runs.side1) +
          bytes(runs.side2) + bytes(runs.firstRun) + bytes(runs.secondRun) +

@@ -47,7 +47,11 @@ struct RunBuffers {
 
 struct Workspace {
   std::vector<DcPair> pairs;
-  std::vector<std::pair<int32_t, int32_t>> byCode; // (code id, borehole-2 index)
+  // The borehole-2 strata of a region chained by code: the first of each code, the next of the
+  // same code after each stratum, and the number of each code; -1 and 0 outside a collection.
+  std::vector<int32_t> firstOfCode;
+  std::vector<int32_t> nextOfCode;
+  std::vector<int32_t> countOfCode;
   SweepBuffers sweep;
   BitsetBuffers bitsets;
   RunBuffers runs;
