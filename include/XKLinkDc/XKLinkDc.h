@@ -180,7 +180,9 @@ namespace XKLinkDc {
 struct CorrelationState;
 
 // A correlation with its own state, owned by the caller: two contexts may run at the same time on
-// different threads. Results are identical to LinkDc and LinkDcLine.
+// different threads. Results are identical to LinkDc and LinkDcLine. Between calls a context keeps
+// the copies of its last two boreholes and up to 64 MB of working storage, so that the next pair of
+// a section starts warm; destroy it to give the memory back.
 class XKLINKDC_API CorrelationContext {
 public:
   CorrelationContext();

@@ -32,12 +32,14 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 // greatest key still live.
 class ColumnTree {
 public:
-  ColumnTree(SweepBuffers& buffers, std::size_t columnCount) : m(buffers) {
-    const std::size_t count = m.column.size();
+  ColumnTree(const std::vector<DcPair>& pairs, int32_t lowestColumn, std::size_t columnCount,
+             SweepBuffers& buffers)
+      : m(buffers) {
+    const std::size_t count = pairs.size();
     m.offset.assign(columnCount + 1, 0);
     for (std::size_t p = 0; p < count; ++p) {
       if (m.live[p]) {
-        ++m.offset[Index(m.column[p]) + 1];
+        ++m.offset[Index(pairs[p].nDC2 - lowestColumn) + 1];
       }
     }
     for (std::size_t c = 0; c < columnCount; ++c) {
@@ -48,7 +50,8 @@ public:
     m.hi.assign(m.offset.begin(), m.offset.end() - 1); // used as fill cursors first
     for (std::size_t p = 0; p < count; ++p) {
       if (m.live[p]) {
-        m.entries[Index(m.hi[Index(m.column[p])]++)] = static_cast<int32_t>(p);
+        const std::size_t c = Index(pairs[p].nDC2 - lowestColumn);
+        m.entries[Index(m.hi[c]++)] = {SweepKey(pairs[p].dDiffGC), static_cast<int32_t>(p)};
       }
     }
     m_size = 1;
@@ -60,7 +63,7 @@ public:
     for (std::size_t c = 0; c < columnCount; ++c) {
       const auto first = m.entries.begin() + m.offset[c];
       const auto last = m.entries.begin() + m.offset[c + 1];
-      std::sort(first, last, [this](int32_t a, int32_t b) { return m.key[Index(a)] < m.key[Index(b)]; });
+      std::sort(first, last, [](const SweepEntry& a, const SweepEntry& b) { return a.key < b.key; });
       --m.hi[c]; // last entry of the column
       Refresh(c, false);
     }
@@ -106,12 +109,12 @@ private:
     if (node >= m_size) {
       const std::size_t c = node - m_size;
       while (m.hi[c] >= m.lo[c]) {
-        const int32_t p = m.entries[Index(m.hi[c])];
-        if (m.live[Index(p)]) {
-          if (m.key[Index(p)] < threshold) {
+        const SweepEntry& entry = m.entries[Index(m.hi[c])];
+        if (m.live[Index(entry.pair)]) {
+          if (entry.key < threshold) {
             break;
           }
-          drop(p);
+          drop(entry.pair);
         }
         --m.hi[c];
       }
@@ -131,18 +134,18 @@ private:
 
   // Skips pairs that have left at both ends of a column and stores its least and greatest key.
   void Refresh(std::size_t c, bool propagate) {
-    while (m.lo[c] <= m.hi[c] && !m.live[Index(m.entries[Index(m.lo[c])])]) {
+    while (m.lo[c] <= m.hi[c] && !m.live[Index(m.entries[Index(m.lo[c])].pair)]) {
       ++m.lo[c];
     }
-    while (m.hi[c] >= m.lo[c] && !m.live[Index(m.entries[Index(m.hi[c])])]) {
+    while (m.hi[c] >= m.lo[c] && !m.live[Index(m.entries[Index(m.hi[c])].pair)]) {
       --m.hi[c];
     }
     std::size_t node = m_size + c;
     const double oldMin = m.treeMin[node];
     const double oldMax = m.treeMax[node];
     if (m.lo[c] <= m.hi[c]) {
-      m.treeMin[node] = m.key[Index(m.entries[Index(m.lo[c])])];
-      m.treeMax[node] = m.key[Index(m.entries[Index(m.hi[c])])];
+      m.treeMin[node] = m.entries[Index(m.lo[c])].key;
+      m.treeMax[node] = m.entries[Index(m.hi[c])].key;
     } else {
       m.treeMin[node] = kInfinity;
       m.treeMax[node] = kNoKey;
@@ -188,18 +191,12 @@ void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
     lowest = std::min(lowest, pair.nDC2);
     highest = std::max(highest, pair.nDC2);
   }
-  std::vector<int32_t>& column = buffers.column;
-  std::vector<double>& key = buffers.key;
   std::vector<uint8_t>& live = buffers.live;
-  column.resize(pairs.size());
-  key.resize(pairs.size());
   live.resize(pairs.size());
   for (std::size_t p = 0; p < pairs.size(); ++p) {
-    column[p] = pairs[p].nDC2 - lowest;
-    key[p] = SweepKey(pairs[p].dDiffGC);
     live[p] = pairs[p].bDrop ? 0 : 1;
   }
-  ColumnTree tree(buffers, Index(highest - lowest + 1));
+  ColumnTree tree(pairs, lowest, Index(highest - lowest + 1), buffers);
 
   // Rows are processed in order; the tree holds the live pairs of the rows after the current one,
   // which are exactly the later pairs that can cross a pair of the current row.
@@ -212,7 +209,7 @@ void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
     for (std::size_t p = rowBegin; p < rowEnd; ++p) {
       if (live[p]) {
         live[p] = 0;
-        tree.Leave(column[p]);
+        tree.Leave(pairs[p].nDC2 - lowest);
       }
     }
     for (std::size_t a = rowBegin; a < rowEnd; ++a) {
@@ -220,12 +217,13 @@ void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
         continue;
       }
       // The later pairs that cross a lie in later rows and in earlier columns.
-      const int32_t end = column[a];
-      const bool aIsNan = std::isnan(pairs[a].dDiffGC);
-      if (!aIsNan && tree.MinKey(end) < key[a]) {
+      const int32_t end = pairs[a].nDC2 - lowest;
+      const double key = pairs[a].dDiffGC;
+      const bool aIsNan = std::isnan(key);
+      if (!aIsNan && tree.MinKey(end) < key) {
         pairs[a].bDrop = true;
       }
-      tree.DropFrom(end, aIsNan ? kBelowAllKeys : key[a], [&pairs, &live](int32_t b) {
+      tree.DropFrom(end, aIsNan ? kBelowAllKeys : key, [&pairs, &live](int32_t b) {
         pairs[Index(b)].bDrop = true;
         live[Index(b)] = 0;
       });

@@ -11,13 +11,18 @@
 
 namespace xkl {
 
+// A pair in the sweep's columns, with its key beside it: the sweep reads the keys of a column in
+// order, and long logs hold millions of pairs.
+struct SweepEntry {
+  double key;
+  int32_t pair;
+};
+
 // Buffers of the crossing sweep over the pairs of equal strata.
 struct SweepBuffers {
-  std::vector<int32_t> column;  // borehole-2 column of each pair
-  std::vector<double> key;      // sweep key of each pair
-  std::vector<uint8_t> live;    // the pair is in the tree
-  std::vector<int32_t> offset;  // first entry of each column
-  std::vector<int32_t> entries; // pairs by column, each column sorted by key
+  std::vector<uint8_t> live;       // the pair is in the tree
+  std::vector<int32_t> offset;     // first entry of each column
+  std::vector<SweepEntry> entries; // pairs by column, each column sorted by key
   std::vector<int32_t> lo;      // first live entry of each column
   std::vector<int32_t> hi;      // last live entry of each column
   std::vector<double> treeMin;
