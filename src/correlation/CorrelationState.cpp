@@ -27,7 +27,7 @@ std::size_t xkl::Workspace::Footprint() const {
          bytes(runs.side2) + bytes(runs.firstRun) + bytes(runs.secondRun) +
          bytes(runs.codesInOrder) + bytes(runs.namedBefore) + bytes(bitsets.rowBegin) +
          bytes(bitsets.rowEnd) + bytes(bitsets.column) + bytes(bitsets.earlierColumns) +
-         bytes(bitsets.candidates);
+         bytes(bitsets.candidates) + bytes(gaps) + bytes(pendingRegions);
 }
 
 xkl::Workspace& XKLinkDc::CorrelationState::Work() const {

@@ -5,6 +5,9 @@
 // are fixed. The walk repeats this on every region produced until no region holds two neighbouring
 // strata of different codes on either side.
 #include "correlation/Correlation.h"
+#include "correlation/Workspace.h"
+
+#include <algorithm>
 
 #include <cmath>
 
@@ -66,13 +69,11 @@ void InitRootRegion(const CorrelationState& state, _sLinkRegion& root) {
 // children are appended only while that region is processed, so the addresses taken here stay
 // valid until the walk ends.
 void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion) {
-  struct Pending {
-    _sLinkRegion* region;
-    bool bSubRegion;
-  };
-  std::vector<Pending> stack{{&region, bSubRegion}};
+  std::vector<PendingRegion>& stack = state.Work().pendingRegions;
+  stack.clear();
+  stack.push_back({&region, bSubRegion});
   while (!stack.empty()) {
-    const Pending next = stack.back();
+    const PendingRegion next = stack.back();
     stack.pop_back();
     ProcessRegion(state, *next.region, next.bSubRegion);
     RegionList& children = next.region->vecChild;
@@ -122,8 +123,15 @@ bool HasCommonStratum(const CorrelationState& state, const _sLinkRegion& region)
 
 void SplitAndCloseRegion(const CorrelationState& state, const _sLinkRegion& region,
                          RegionList& children, bool bSubRegion) {
+  // Every child (a common stratum, or a wedge or lens of a gap) takes at least one stratum of the
+  // region, so the region's strata bound their number; beyond a few dozen the list grows as usual.
+  constexpr std::size_t kReservedChildren = 64;
+  const auto strata = static_cast<std::size_t>(std::max(region.nEnd1 - region.nBegin1, 0)) +
+                      static_cast<std::size_t>(std::max(region.nEnd2 - region.nBegin2, 0));
+  ReserveMore(children, std::min(strata, kReservedChildren));
   SplitAtCommonStrata(state, region, children);
-  RegionList gaps;
+  RegionList& gaps = state.Work().gaps;
+  gaps.clear();
   MakeGapRegions(state, region, children, gaps, bSubRegion);
   for (const _sLinkRegion& gap : gaps) {
     CloseRegion(state, gap, children);

@@ -50,6 +50,12 @@ struct RunBuffers {
   std::vector<int32_t> namedBefore;  // runs carrying the region's own code among the first k
 };
 
+// A region of the walk over the tree that is still to be processed.
+struct PendingRegion {
+  _sLinkRegion* region;
+  bool bSubRegion;
+};
+
 struct Workspace {
   std::vector<DcPair> pairs;
   // The borehole-2 strata of a region chained by code: the first of each code, the next of the
@@ -60,6 +66,8 @@ struct Workspace {
   SweepBuffers sweep;
   BitsetBuffers bitsets;
   RunBuffers runs;
+  RegionList gaps; // the gaps of the region being split, closed one by one
+  std::vector<PendingRegion> pendingRegions;
 
   // Bytes held by the buffers.
   std::size_t Footprint() const;

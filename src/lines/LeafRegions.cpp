@@ -20,14 +20,18 @@ bool IsLeafRegion(const _sLinkRegion& region) {
   return true;
 }
 
-// Pre-order without recursion: trees of long logs nest deeply.
-void CollectLeafRegions(const _sLinkRegion& region, std::vector<const _sLinkRegion*>& leaves) {
-  std::vector<const _sLinkRegion*> stack{&region};
+namespace {
+
+// Calls f(leaf) for every leaf below root, in pre-order, without recursion.
+template <class F>
+void ForEachLeaf(const _sLinkRegion& root, std::vector<const _sLinkRegion*>& stack, F&& f) {
+  stack.clear();
+  stack.push_back(&root);
   while (!stack.empty()) {
     const _sLinkRegion* next = stack.back();
     stack.pop_back();
     if (IsLeafRegion(*next)) {
-      leaves.push_back(next);
+      f(*next);
     }
     for (auto it = next->vecChild.rbegin(); it != next->vecChild.rend(); ++it) {
       stack.push_back(&*it);
@@ -35,24 +39,34 @@ void CollectLeafRegions(const _sLinkRegion& region, std::vector<const _sLinkRegi
   }
 }
 
+} // namespace
+
+// Pre-order without recursion: trees of long logs nest deeply.
+void CollectLeafRegions(const _sLinkRegion& region, std::vector<const _sLinkRegion*>& leaves) {
+  std::vector<const _sLinkRegion*> stack;
+  ForEachLeaf(region, stack, [&leaves](const _sLinkRegion& leaf) { leaves.push_back(&leaf); });
+}
+
 void AppendLeafLines(const _sLinkRegion& root, LineList& lines) {
-  std::vector<const _sLinkRegion*> leaves;
-  CollectLeafRegions(root, leaves);
-  lines.reserve(lines.size() + 2 * leaves.size());
-  for (const _sLinkRegion* leaf : leaves) {
+  std::vector<const _sLinkRegion*> stack;
+  stack.reserve(64); // the pending siblings of a typical tree, in one allocation
+  std::size_t leaves = 0;
+  ForEachLeaf(root, stack, [&leaves](const _sLinkRegion&) { ++leaves; });
+  lines.reserve(lines.size() + 2 * leaves);
+  ForEachLeaf(root, stack, [&lines](const _sLinkRegion& leaf) {
     _sLinkLine& top = lines.emplace_back();
-    top.strUpName = leaf->strName;
-    top.nType = leaf->nType;
+    top.strUpName = leaf.strName;
+    top.nType = leaf.nType;
     top.bBottom = false;
-    top.pt1 = leaf->ptTop[0];
-    top.pt2 = leaf->ptTop[1];
+    top.pt1 = leaf.ptTop[0];
+    top.pt2 = leaf.ptTop[1];
     _sLinkLine& bottom = lines.emplace_back();
-    bottom.strUpName = leaf->strName;
-    bottom.nType = leaf->nType;
+    bottom.strUpName = leaf.strName;
+    bottom.nType = leaf.nType;
     bottom.bBottom = true;
-    bottom.pt1 = leaf->ptBot[0];
-    bottom.pt2 = leaf->ptBot[1];
-  }
+    bottom.pt1 = leaf.ptBot[0];
+    bottom.pt2 = leaf.ptBot[1];
+  });
 }
 
 } // namespace xkl

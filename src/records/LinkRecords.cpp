@@ -34,6 +34,9 @@ _sLinkRegion::_sLinkRegion()
 // destroying a tree therefore walk it with a work list instead of recursing on the call stack.
 _sLinkRegion::_sLinkRegion(const _sLinkRegion& src) : _sLinkRegion() {
   CopyFields(*this, src);
+  if (src.vecChild.empty()) {
+    return; // most regions are leaves: no work list
+  }
   std::vector<std::pair<const _sLinkRegion*, _sLinkRegion*>> pending{{&src, this}};
   while (!pending.empty()) {
     const auto [from, to] = pending.back();
