@@ -12,6 +12,19 @@ CodeIndex CodeIndex::Build(const DataType::_sZK& zk1, const DataType::_sZK& zk2)
 
 namespace {
 
+// Equality of two codes, inline: codes are a few characters, shorter than a library call.
+bool SameCode(const std::wstring& a, const std::wstring& b) {
+  if (a.size() != b.size()) {
+    return false;
+  }
+  for (std::size_t k = 0; k < a.size(); ++k) {
+    if (a[k] != b[k]) {
+      return false;
+    }
+  }
+  return true;
+}
+
 // Up to this many distinct codes, a stratum's code is looked up among those already met; beyond,
 // all codes are sorted at once.
 constexpr std::size_t kLookupLimit = 16;
@@ -31,11 +44,11 @@ void CodeIndex::Rebuild(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
 bool CodeIndex::RebuildFromFewCodes(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
   codes.clear();
   const auto lookUp = [this](const std::wstring& code, int32_t previous) -> int32_t {
-    if (previous >= 0 && *codes[static_cast<std::size_t>(previous)] == code) {
+    if (previous >= 0 && SameCode(*codes[static_cast<std::size_t>(previous)], code)) {
       return previous;
     }
     for (std::size_t c = 0; c < codes.size(); ++c) {
-      if (*codes[c] == code) {
+      if (SameCode(*codes[c], code)) {
         return static_cast<int32_t>(c);
       }
     }
@@ -115,6 +128,14 @@ uint32_t CodeIndex::NextMark() const {
 }
 
 int32_t CodeIndex::IdOf(const std::wstring& code) const {
+  if (codes.size() <= kLookupLimit) {
+    for (std::size_t c = 0; c < codes.size(); ++c) {
+      if (SameCode(*codes[c], code)) {
+        return static_cast<int32_t>(c);
+      }
+    }
+    return -1;
+  }
   const auto it = std::lower_bound(codes.begin(), codes.end(), code,
                                    [](const std::wstring* a, const std::wstring& b) { return *a < b; });
   if (it == codes.end() || **it != code) {

@@ -84,7 +84,8 @@ inline void ReserveMore(RegionList& out, std::size_t more) {
 // --- entry and recursion -------------------------------------------------------------------
 void InitRootRegion(const CorrelationState& state, _sLinkRegion& root);
 void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion);
-bool HasMixedStrata(const _sZK& zk, int32_t nBegin, int32_t nEnd);
+// codeIds: the interned code of every stratum of one borehole (CodeIndex::ids1 or ids2).
+bool HasMixedStrata(const std::vector<int32_t>& codeIds, int32_t nBegin, int32_t nEnd);
 bool HasCommonStratum(const CorrelationState& state, const _sLinkRegion& region);
 void SplitAndCloseRegion(const CorrelationState& state, const _sLinkRegion& region,
                          RegionList& children, bool bSubRegion);

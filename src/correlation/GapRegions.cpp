@@ -7,9 +7,10 @@ namespace xkl {
 
 namespace {
 
-bool CarriesName(const _sZK& zk, int32_t index, const std::wstring& name) {
-  return index >= 0 && static_cast<std::size_t>(index) < zk.vecDC.size() &&
-         zk.vecDC[static_cast<std::size_t>(index)].strName == name;
+// Whether stratum `index` carries the code `code` (an interned code, -1 for one no stratum has).
+bool CarriesCode(const std::vector<int32_t>& codeIds, int32_t index, int32_t code) {
+  return code >= 0 && index >= 0 && static_cast<std::size_t>(index) < codeIds.size() &&
+         codeIds[static_cast<std::size_t>(index)] == code;
 }
 
 // Appends one gap whose corners are taken whole from the boundaries that enclose it.
@@ -43,13 +44,15 @@ void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
   gap.strName = region.strName;
 
   // The envelope's own first stratum is the envelope, not part of the gap below it.
+  const CodeIndex& codes = state.Codes();
+  const int32_t name = region.bNamed ? codes.IdOf(region.strName) : -1;
   int32_t i1 = region.nBegin1;
   int32_t i2 = region.nBegin2;
   if (region.bNamed) {
-    if (CarriesName(state.zk1, region.nBegin1, region.strName)) {
+    if (CarriesCode(codes.ids1, region.nBegin1, name)) {
       i1 = region.nBegin1 + 1;
     }
-    if (CarriesName(state.zk2, region.nBegin2, region.strName)) {
+    if (CarriesCode(codes.ids2, region.nBegin2, name)) {
       i2 = region.nBegin2 + 1;
     }
   }
@@ -78,10 +81,10 @@ void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
   if (region.bNamed) {
     const int32_t j1 = i1 - 1 < 0 ? -1 : i1 - 1;
     const int32_t j2 = i2 - 1 < 0 ? -1 : i2 - 1;
-    if (CarriesName(state.zk1, j1, region.strName)) {
+    if (CarriesCode(codes.ids1, j1, name)) {
       e1 = region.nEnd1 - 1;
     }
-    if (CarriesName(state.zk2, j2, region.strName)) {
+    if (CarriesCode(codes.ids2, j2, name)) {
       e2 = region.nEnd2 - 1;
     }
   }

@@ -31,8 +31,9 @@ void CloseRegion(const CorrelationState& state, const _sLinkRegion& region, Regi
 
 // Works on one region and appends what it produces to its own children.
 void ProcessRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion) {
-  if (!HasMixedStrata(state.zk1, region.nBegin1, region.nEnd1) &&
-      !HasMixedStrata(state.zk2, region.nBegin2, region.nEnd2)) {
+  const CodeIndex& codes = state.Codes();
+  if (!HasMixedStrata(codes.ids1, region.nBegin1, region.nEnd1) &&
+      !HasMixedStrata(codes.ids2, region.nBegin2, region.nEnd2)) {
     // One code (or none) on each side: nothing to correlate inside, even when the two codes
     // differ; the region stays as it is.
     return;
@@ -83,14 +84,14 @@ void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRe
   }
 }
 
-bool HasMixedStrata(const _sZK& zk, int32_t nBegin, int32_t nEnd) {
+bool HasMixedStrata(const std::vector<int32_t>& codeIds, int32_t nBegin, int32_t nEnd) {
   if (!(nBegin < nEnd)) {
     return false;
   }
   const int32_t last = LastIndex(nEnd);
   // A range never starts before the first stratum; the bound keeps the first comparison inside.
   for (int32_t i = nBegin < 0 ? 1 : nBegin + 1; i <= last; ++i) {
-    if (zk.vecDC[Index(i - 1)].strName != zk.vecDC[Index(i)].strName) {
+    if (codeIds[Index(i - 1)] != codeIds[Index(i)]) {
       return true;
     }
   }

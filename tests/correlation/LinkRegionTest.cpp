@@ -35,13 +35,14 @@ TEST_F(InitRootRegionTest, TopAtCollarsBottomAtLastStratumChildrenKept) {
 TEST(HasMixedStrataTest, NeedsTwoNeighboursOfDifferentCode) {
   const auto zk = MakeBorehole(
       0.0, 0.0, 100.0, {{L"A", 98.0}, {L"A", 96.0}, {L"A", 94.0}, {L"B", 90.0}, {L"A", 85.0}});
-  EXPECT_FALSE(xkl::HasMixedStrata(zk, 0, 3)); // A, A, A
-  EXPECT_TRUE(xkl::HasMixedStrata(zk, 0, 4));  // ..., A, B
-  EXPECT_TRUE(xkl::HasMixedStrata(zk, 2, 5));  // A, B, A
-  EXPECT_FALSE(xkl::HasMixedStrata(zk, 3, 4)); // a single stratum
-  EXPECT_FALSE(xkl::HasMixedStrata(zk, 4, 4)); // touches only the boundary
-  EXPECT_FALSE(xkl::HasMixedStrata(zk, -1, -1));
-  EXPECT_FALSE(xkl::HasMixedStrata(zk, 4, 2));
+  const std::vector<int32_t> ids = xkl::CodeIndex::Build(zk, DataType::_sZK()).ids1;
+  EXPECT_FALSE(xkl::HasMixedStrata(ids, 0, 3)); // A, A, A
+  EXPECT_TRUE(xkl::HasMixedStrata(ids, 0, 4));  // ..., A, B
+  EXPECT_TRUE(xkl::HasMixedStrata(ids, 2, 5));  // A, B, A
+  EXPECT_FALSE(xkl::HasMixedStrata(ids, 3, 4)); // a single stratum
+  EXPECT_FALSE(xkl::HasMixedStrata(ids, 4, 4)); // touches only the boundary
+  EXPECT_FALSE(xkl::HasMixedStrata(ids, -1, -1));
+  EXPECT_FALSE(xkl::HasMixedStrata(ids, 4, 2));
 }
 
 using HasCommonStratumTest = CorrelationTest;
