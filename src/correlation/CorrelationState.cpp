@@ -23,7 +23,10 @@ std::size_t xkl::Workspace::Footprint() const {
   const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
   return bytes(pairs) + bytes(firstOfCode) + bytes(nextOfCode) + bytes(countOfCode) +
          bytes(sweep.live) + bytes(sweep.offset) + bytes(sweep.entries) + bytes(sweep.lo) +
-         bytes(sweep.hi) + bytes(sweep.treeMin) + bytes(sweep.treeMax) + bytes(runs.side1) +
+         bytes(sweep.hi) + bytes(sweep.treeMin) + bytes(sweep.treeMax) +
+         bytes(sweep.keptMaxBefore) + bytes(sweep.keptMinAfter) + bytes(sweep.rowKept) +
+         bytes(sweep.columnKept) + bytes(sweep.before) + bytes(sweep.after) +
+         bytes(sweep.candidates) + bytes(runs.side1) +
          bytes(runs.side2) + bytes(runs.firstRun) + bytes(runs.secondRun) +
          bytes(runs.codesInOrder) + bytes(runs.namedBefore) + bytes(bitsets.rowBegin) +
          bytes(bitsets.rowEnd) + bytes(bitsets.column) + bytes(bitsets.earlierColumns) +

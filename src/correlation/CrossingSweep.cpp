@@ -162,10 +162,13 @@ private:
   std::size_t m_size = 1;
 };
 
-// Prefix maximum (or, with negated values, minimum) over row indices, for growing sets.
+// Prefix maximum (or, with negated values, minimum) over row indices, for growing sets, in a
+// Fenwick tree kept in the caller's storage.
 class PrefixMax {
 public:
-  explicit PrefixMax(std::size_t size) : m_tree(size + 1, INT_MIN) {}
+  PrefixMax(std::vector<int32_t>& tree, std::size_t size) : m_tree(tree) {
+    m_tree.assign(size + 1, INT_MIN);
+  }
   void Raise(std::size_t position, int32_t value) {
     for (std::size_t i = position + 1; i < m_tree.size(); i += i & (~i + 1)) {
       m_tree[i] = std::max(m_tree[i], value);
@@ -181,7 +184,7 @@ public:
   }
 
 private:
-  std::vector<int32_t> m_tree;
+  std::vector<int32_t>& m_tree;
 };
 
 void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
@@ -232,46 +235,52 @@ void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
   }
 }
 
-void ReadmitDroppedPairs(std::vector<DcPair>& pairs) {
-  int32_t rows = 0;
-  int32_t cols = 0;
+void ReadmitDroppedPairs(std::vector<DcPair>& pairs, SweepBuffers& m) {
+  // Rows and columns counted from the first of the region.
+  const int32_t firstRow = pairs.front().nDC1;
+  int32_t firstColumn = pairs.front().nDC2;
+  int32_t lastColumn = firstColumn;
   for (const DcPair& pair : pairs) {
-    rows = std::max(rows, pair.nDC1 + 1);
-    cols = std::max(cols, pair.nDC2 + 1);
+    firstColumn = std::min(firstColumn, pair.nDC2);
+    lastColumn = std::max(lastColumn, pair.nDC2);
   }
-  // What the kept pairs say about each row and column.
-  std::vector<int32_t> keptMaxBefore(Index(rows) + 1, INT_MIN); // max nDC2 of kept rows < r
-  std::vector<int32_t> keptMinAfter(Index(rows) + 1, INT_MAX);  // min nDC2 of kept rows > r
-  std::vector<bool> rowKept(Index(rows), false);
-  std::vector<bool> colKept(Index(cols), false);
-  std::vector<int32_t> rowMax(Index(rows), INT_MIN);
-  std::vector<int32_t> rowMin(Index(rows), INT_MAX);
+  const std::size_t rows = Index(pairs.back().nDC1 - firstRow) + 1;
+  const std::size_t columns = Index(lastColumn - firstColumn) + 1;
+  const auto row = [firstRow](const DcPair& pair) { return Index(pair.nDC1 - firstRow); };
+  const auto column = [firstColumn](const DcPair& pair) { return Index(pair.nDC2 - firstColumn); };
+  // What the kept pairs say about each row and column: the greatest column of the kept pairs in
+  // the rows before r and the least in the rows after r, and which rows and columns hold one.
+  m.keptMaxBefore.assign(rows + 1, INT_MIN);
+  m.keptMinAfter.assign(rows + 1, INT_MAX);
+  m.rowKept.assign(rows, 0);
+  m.columnKept.assign(columns, 0);
   for (const DcPair& pair : pairs) {
     if (!pair.bDrop) {
-      rowKept[Index(pair.nDC1)] = true;
-      colKept[Index(pair.nDC2)] = true;
-      rowMax[Index(pair.nDC1)] = std::max(rowMax[Index(pair.nDC1)], pair.nDC2);
-      rowMin[Index(pair.nDC1)] = std::min(rowMin[Index(pair.nDC1)], pair.nDC2);
+      m.rowKept[row(pair)] = 1;
+      m.columnKept[column(pair)] = 1;
+      m.keptMaxBefore[row(pair) + 1] = std::max(m.keptMaxBefore[row(pair) + 1], pair.nDC2);
+      m.keptMinAfter[row(pair)] = std::min(m.keptMinAfter[row(pair)], pair.nDC2);
     }
   }
-  for (int32_t r = 0; r < rows; ++r) {
-    keptMaxBefore[Index(r) + 1] = std::max(keptMaxBefore[Index(r)], rowMax[Index(r)]);
+  for (std::size_t r = 0; r < rows; ++r) {
+    m.keptMaxBefore[r + 1] = std::max(m.keptMaxBefore[r], m.keptMaxBefore[r + 1]);
   }
-  for (int32_t r = rows - 1; r >= 0; --r) {
-    keptMinAfter[Index(r)] = std::min(keptMinAfter[Index(r) + 1], rowMin[Index(r)]);
+  for (std::size_t r = rows; r-- > 0;) {
+    m.keptMinAfter[r] = std::min(m.keptMinAfter[r], m.keptMinAfter[r + 1]);
   }
 
-  std::vector<DcPair*> candidates;
+  std::vector<DcPair*>& candidates = m.candidates;
+  candidates.clear();
   for (DcPair& pair : pairs) {
     if (!pair.bDrop) {
       continue;
     }
-    const std::size_t r = Index(pair.nDC1);
-    const bool crossesKept = keptMaxBefore[r] > pair.nDC2 || keptMinAfter[r + 1] < pair.nDC2;
+    const std::size_t r = row(pair);
+    const bool crossesKept = m.keptMaxBefore[r] > pair.nDC2 || m.keptMinAfter[r + 1] < pair.nDC2;
     if (crossesKept) {
       continue;
     }
-    if (!rowKept[r] && !colKept[Index(pair.nDC2)]) {
+    if (!m.rowKept[r] && !m.columnKept[column(pair)]) {
       pair.dDiffGC = 0.0;
     }
     candidates.push_back(&pair);
@@ -280,11 +289,11 @@ void ReadmitDroppedPairs(std::vector<DcPair>& pairs) {
 
   // Re-admitted pairs so far: the greatest nDC2 over rows before r, and (on reversed rows) the
   // least nDC2 over rows after r, stored negated as a maximum.
-  PrefixMax before(Index(rows));
-  PrefixMax after(Index(rows));
+  PrefixMax before(m.before, rows);
+  PrefixMax after(m.after, rows);
   for (DcPair* candidate : candidates) {
-    const std::size_t r = Index(candidate->nDC1);
-    const int32_t negatedMinAfter = after.Max(Index(rows) - 1 - r);
+    const std::size_t r = row(*candidate);
+    const int32_t negatedMinAfter = after.Max(rows - 1 - r);
     const bool crosses = before.Max(r) > candidate->nDC2 ||
                          (negatedMinAfter != INT_MIN && -negatedMinAfter < candidate->nDC2);
     if (crosses) {
@@ -292,7 +301,7 @@ void ReadmitDroppedPairs(std::vector<DcPair>& pairs) {
     }
     candidate->bDrop = false;
     before.Raise(r, candidate->nDC2);
-    after.Raise(Index(rows) - 1 - r, -candidate->nDC2);
+    after.Raise(rows - 1 - r, -candidate->nDC2);
   }
 }
 
@@ -303,7 +312,7 @@ void ResolveCrossingsBySweep(std::vector<DcPair>& pairs, SweepBuffers& buffers) 
     return;
   }
   DropCrossingPairs(pairs, buffers);
-  ReadmitDroppedPairs(pairs);
+  ReadmitDroppedPairs(pairs, buffers);
 }
 
 } // namespace xkl

@@ -27,6 +27,14 @@ struct SweepBuffers {
   std::vector<int32_t> hi;      // last live entry of each column
   std::vector<double> treeMin;
   std::vector<double> treeMax;
+  // The second chance.
+  std::vector<int32_t> keptMaxBefore; // per row: greatest column of the kept pairs above it
+  std::vector<int32_t> keptMinAfter;  // per row: least column of the kept pairs below it
+  std::vector<uint8_t> rowKept;
+  std::vector<uint8_t> columnKept;
+  std::vector<int32_t> before; // Fenwick trees over the rows of the re-admitted pairs
+  std::vector<int32_t> after;
+  std::vector<DcPair*> candidates;
 };
 
 // Buffers of the crossing resolution by bitsets.
