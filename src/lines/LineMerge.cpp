@@ -164,44 +164,57 @@ private:
 // full comparisons, since lines of one section differ mostly in elevation.
 bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a != b; }
 
-bool SameLine(const _sLinkLine& a, const _sLinkLine& b) {
-  return !ClearlyApart(a.pt1.z, b.pt1.z) && !ClearlyApart(a.pt2.z, b.pt2.z) && a.IsSame(b);
-}
+constexpr std::size_t kScanLimit = 96;
 
 // The same walk for the few dozen lines of a typical pair, where scanning beats building a grid.
+// The elevations of the ends stand side by side for the scan, and the lines still in the walk are
+// linked, so that lines taken out are not met again.
 void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
-  const auto previousAlive = [&alive](std::ptrdiff_t i) {
-    do {
-      --i;
-    } while (i >= 0 && !alive[static_cast<std::size_t>(i)]);
-    return i;
+  const auto count = static_cast<int32_t>(lines.size());
+  double z1[kScanLimit];
+  double z2[kScanLimit];
+  int32_t previous[kScanLimit];
+  int32_t next[kScanLimit];
+  for (int32_t k = 0; k < count; ++k) {
+    z1[k] = lines[static_cast<std::size_t>(k)].pt1.z;
+    z2[k] = lines[static_cast<std::size_t>(k)].pt2.z;
+    previous[k] = k - 1;
+    next[k] = k + 1;
+  }
+  const auto remove = [&](int32_t k) {
+    alive[static_cast<std::size_t>(k)] = 0;
+    if (next[k] < count) {
+      previous[next[k]] = previous[k];
+    }
+    if (previous[k] >= 0) {
+      next[previous[k]] = next[k];
+    }
   };
-  std::ptrdiff_t cursor = static_cast<std::ptrdiff_t>(lines.size()) - 1;
-  while (cursor >= 0) {
-    const auto i = static_cast<std::size_t>(cursor);
-    std::ptrdiff_t j = previousAlive(cursor);
-    while (j >= 0 && !SameLine(lines[static_cast<std::size_t>(j)], lines[i])) {
-      j = previousAlive(j);
+  int32_t i = count - 1;
+  while (i >= 0) {
+    int32_t j = previous[i];
+    while (j >= 0 && (ClearlyApart(z1[j], z1[i]) || ClearlyApart(z2[j], z2[i]) ||
+                      !lines[static_cast<std::size_t>(j)].IsSame(lines[static_cast<std::size_t>(i)]))) {
+      j = previous[j];
     }
     if (j < 0) {
-      cursor = previousAlive(cursor);
+      i = previous[i];
       continue;
     }
-    const auto ju = static_cast<std::size_t>(j);
-    if (lines[i].bBottom) {
+    _sLinkLine& line = lines[static_cast<std::size_t>(i)];
+    _sLinkLine& same = lines[static_cast<std::size_t>(j)];
+    if (line.bBottom) {
       // A region's bottom survives and takes the name of the region below it; it is examined
       // once more, so it may absorb a further coinciding line.
-      lines[i].strDownName = lines[ju].strUpName;
-      alive[ju] = 0;
+      line.strDownName = same.strUpName;
+      remove(j);
     } else {
-      lines[ju].strDownName = lines[i].strUpName;
-      alive[i] = 0;
-      cursor = previousAlive(cursor);
+      same.strDownName = line.strUpName;
+      remove(i);
+      i = previous[i];
     }
   }
 }
-
-constexpr std::size_t kScanLimit = 96;
 
 // Merges coinciding lines: names set, the lines taken out flagged 0 in `alive`; clears bBottom.
 void MarkSameLines(LineList& lines, std::vector<uint8_t>& alive) {
