@@ -1,20 +1,22 @@
-// AGS4 files made by hand, each hitting one rule of the format or one habit of real files.
+// AGS files made by hand, each edit hitting one rule of the format or one habit of real files:
+// AGS4 ("GROUP"/"HEADING"/"DATA" lines) and AGS 3.1 ("**" groups, "*" headings that wrap, <UNITS>
+// and <CONT> rows).
 #include "AgsReader.h"
 
 #include "IoTestSupport.h"
-#include "Text.h"
 #include "Validation.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 
 namespace xklink {
 namespace {
 
+using testing::Edit;
 using testing::Messages;
 using testing::ParseErrorOf;
+using testing::Summary;
 
-// Line numbers below refer to this file: LOCA rows on lines 11-12, GEOL rows on lines 18-21.
+// LOCA rows on lines 11-12, GEOL rows on lines 18-21.
 const std::string kSite = R"("GROUP","PROJ"
 "HEADING","PROJ_ID","PROJ_NAME"
 "UNIT","",""
@@ -37,339 +39,239 @@ const std::string kSite = R"("GROUP","PROJ"
 "DATA","BH2","0.00","2.00","MADE GROUND","102","MG",""
 "DATA","BH2","2.00","6.00","Dense GRAVEL","501","RTD",""
 )";
+const std::vector<std::string> kSiteHoles = {
+    "BH1 @1000,2000 top 10: ALV 10..8.5@18 RTD 8.5..5@19",
+    "BH2 @1100,2000 top 12.5: MG 12.5..10.5@20 RTD 10.5..6.5@21"};
+const std::string kBh2Loca = R"("DATA","BH2","CP","1100.00","2000.00","12.50","6.00")";
 
-// kSite with one piece of text replaced; fails the test when the piece is not there.
-std::string Edit(std::string text, const std::string& from, const std::string& to) {
-  const auto at = text.find(from);
-  if (at == std::string::npos) {
-    ADD_FAILURE() << "not in the file: " << from;
-    return text;
-  }
-  return text.replace(at, from.size(), to);
-}
+// HOLE rows on lines 10-11; GEOL rows on lines 16-21, <CONT> rows on lines 18 and 21.
+const std::string kSite3 = R"ags("**PROJ"
+"*PROJ_ID","*PROJ_NAME"
+"<UNITS>","",""
+"P1","Test"
+
+"**HOLE"
+"*HOLE_ID","*HOLE_TYPE","*HOLE_NATE","*HOLE_NATN",
+"*HOLE_GL","*HOLE_FDEP","*?HOLE_STAT"
+"<UNITS>","","m","m","m","m",""
+"BH1","CP","500.5","100","4.08","40",""
+"BH2","CP","600","100","1.66","3",""
+
+"**GEOL"
+"*HOLE_ID","*GEOL_TOP","*GEOL_BASE","*GEOL_DESC","*GEOL_LEG","*GEOL_GEOL","*?GEOL_UNIT"
+"<UNITS>","m","m","","","",""
+"BH1","0","0.07","TOPSOIL.","101","TOP","T"
+"BH1","0.07","2.4","Brown clayey SAND with brick, concrete","","",""
+"<CONT>","","","  (MADE GROUND)","102","MG","M"
+"BH1","2.4","40","Stiff CLAY","201","LC","C"
+"BH2","0","3","Very stiff, greyish brown CLAY with occasional lig","2","L","C"
+"<CONT>","","","nite (LONDON CLAY)","01","C",""
+
+"**?BKFL"
+"*HOLE_ID","*?BKFL_TOP"
+"BH1","0"
+)ags";
+const std::vector<std::string> kSite3Holes = {
+    "BH1 @500.5,100 top 4.08: TOP 4.08..4.01@16 MG 4.01..1.68@17 LC 1.68..-35.92@19",
+    "BH2 @600,100 top 1.66: LC 1.66..-1.34@20"};
 
 BoreholeSet Read(const std::string& text, const ReadOptions& options = {}) {
   return ReadAgsBoreholes(text, "site.ags", options);
 }
 
-struct Layer {
-  std::wstring code;
-  double top;
-  double bottom;
-};
-
-std::vector<Layer> Layers(const HoleRecord& hole) {
-  std::vector<Layer> out;
-  for (const auto& s : hole.strata) {
-    out.push_back({s.dc.strName, s.dc.dTopGC, s.dc.dBotGC});
-  }
-  return out;
+ReadOptions CodeColumn(const std::string& name) {
+  ReadOptions options;
+  options.codeColumn = name;
+  return options;
 }
 
-bool operator==(const Layer& a, const Layer& b) {
-  return a.code == b.code && a.top == b.top && a.bottom == b.bottom;
-}
-
-void PrintTo(const Layer& layer, std::ostream* out) {
-  *out << ToUtf8(layer.code) << ' ' << layer.top << ".." << layer.bottom;
-}
-
-TEST(Ags4ReaderTest, ReadsHolesAndElevationsFromDepths) {
-  const auto set = Read(kSite);
-  ASSERT_EQ(set.holes.size(), 2U);
-  const auto& bh1 = set.holes[0];
-  EXPECT_EQ(bh1.name, "BH1");
-  EXPECT_EQ(bh1.x, 1000.0);
-  EXPECT_EQ(bh1.y, 2000.0);
-  EXPECT_EQ(bh1.top, 10.0);
-  EXPECT_EQ(Layers(bh1), (std::vector<Layer>{{L"ALV", 10.0, 8.5}, {L"RTD", 8.5, 5.0}}));
-  EXPECT_EQ(Layers(set.holes[1]), (std::vector<Layer>{{L"MG", 12.5, 10.5}, {L"RTD", 10.5, 6.5}}));
-  EXPECT_TRUE(set.diagnostics.empty()) << ::testing::PrintToString(Messages(set.diagnostics));
-  EXPECT_TRUE(ValidateBoreholes(set).empty());
-}
-
-TEST(Ags4ReaderTest, KeepsTheProvenanceOfEveryRecord) {
-  const auto set = Read(kSite);
-  EXPECT_EQ(set.holes[1].where.ToString(), "site.ags:12: field LOCA_ID");
-  EXPECT_EQ(set.holes[1].strata[1].where.ToString(), "site.ags:21: field GEOL_GEOL");
-  EXPECT_EQ(set.fields.holeTop, "LOCA_GL");
-  EXPECT_EQ(set.fields.stratumBottom, "GEOL_BASE");
-  EXPECT_EQ(set.source, "site.ags");
-}
-
-TEST(Ags4ReaderTest, CrlfAndAByteOrderMarkReadTheSame) {
-  const auto expected = Read(kSite);
-  for (const auto& text : {testing::WithCrlf(kSite), "\xEF\xBB\xBF" + kSite,
-                           "\xEF\xBB\xBF" + testing::WithCrlf(kSite)}) {
+TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
+  const auto expectRead = [](const std::string& text, const std::vector<std::string>& holes) {
     const auto set = Read(text);
-    ASSERT_EQ(set.holes.size(), 2U);
-    EXPECT_EQ(Layers(set.holes[0]), Layers(expected.holes[0]));
-    EXPECT_EQ(set.holes[1].strata[1].where.line, 21U);
-    EXPECT_TRUE(set.diagnostics.empty());
-  }
+    EXPECT_EQ(Summary(set), holes);
+    EXPECT_TRUE(set.diagnostics.empty()) << ::testing::PrintToString(Messages(set.diagnostics));
+    EXPECT_TRUE(ValidateBoreholes(set).empty());
+    // CRLF and a byte order mark change nothing, not even the line numbers.
+    EXPECT_EQ(Summary(Read(testing::WithBomAndCrlf(text))), holes);
+  };
+  expectRead(kSite, kSiteHoles);
+  expectRead(kSite3, kSite3Holes);
+  const auto set = Read(kSite);
+  EXPECT_EQ(set.holes[1].where.ToString() + ", " + set.holes[1].strata[1].where.ToString(),
+            "site.ags:12: field LOCA_ID, site.ags:21: field GEOL_GEOL");
+  EXPECT_EQ(set.fields.holeTop + " " + set.fields.stratumBottom + " " + Read(kSite3).fields.holeTop,
+            "LOCA_GL GEOL_BASE HOLE_GL");
 }
 
-TEST(Ags4ReaderTest, MatchesHeadingsByNameNotPosition) {
-  // A producer's own heading first and the standard ones shuffled.
+TEST(AgsReaderTest, MatchesHeadingsByNameNotPosition) {
   auto text = Edit(
       kSite, R"("HEADING","LOCA_ID","LOCA_TYPE","LOCA_NATE","LOCA_NATN","LOCA_GL","LOCA_FDEP")",
       R"("HEADING","LOCA_GL","LOCA_NATN","LOCA_ID","LOCA_TYPE","LOCA_NATE","LOCA_FDEP")");
   text = Edit(text, R"("DATA","BH1","CP","1000.00","2000.00","10.00","5.00")",
               R"("DATA","10.00","2000.00","BH1","CP","1000.00","5.00")");
-  text = Edit(text, R"("DATA","BH2","CP","1100.00","2000.00","12.50","6.00")",
-              R"("DATA","12.50","2000.00","BH2","CP","1100.00","6.00")");
-  const auto set = Read(text);
-  ASSERT_EQ(set.holes.size(), 2U);
-  EXPECT_EQ(set.holes[0].name, "BH1");
-  EXPECT_EQ(set.holes[0].x, 1000.0);
-  EXPECT_EQ(set.holes[0].top, 10.0);
+  text = Edit(text, kBh2Loca, R"("DATA","12.50","2000.00","BH2","CP","1100.00","6.00")");
+  EXPECT_EQ(Summary(Read(text)), kSiteHoles);
+  // AGS 3.1: a heading line split without a trailing comma is joined all the same.
+  EXPECT_EQ(Summary(Read(Edit(kSite3, R"("*HOLE_NATN",)", R"("*HOLE_NATN")"))), kSite3Holes);
 }
 
-TEST(Ags4ReaderTest, QuotedCodesKeepCommasAndQuotes) {
-  const auto text = Edit(kSite, R"("201","ALV","")", R"("201","Alluvium, ""upper""","")");
-  EXPECT_EQ(Read(text).holes[0].strata[0].dc.strName, L"Alluvium, \"upper\"");
+TEST(AgsReaderTest, ContRowsAddToTheFieldsOfTheRowAbove) {
+  // BH1's second code stands only on its <CONT> line (kSite3Holes: MG from line 17); BH2's legend
+  // code is split over two lines, "2" + "01"; "?" marks a heading of the producer's own.
+  EXPECT_EQ(Read(kSite3, CodeColumn("GEOL_LEG")).holes[1].strata[0].dc.strName, L"201");
+  EXPECT_EQ(Summary(Read(kSite3, CodeColumn("GEOL_UNIT")))[0],
+            "BH1 @500.5,100 top 4.08: T 4.08..4.01@16 M 4.01..1.68@17 C 1.68..-35.92@19");
 }
 
-TEST(Ags4ReaderTest, CodesAreUtf8AndBytesOutsideUtf8AreWindows1252) {
-  auto text = Edit(kSite, R"("201","ALV","")", "\"201\",\"Argila \xC3\xA1\",\"\"");
-  EXPECT_EQ(Read(text).holes[0].strata[0].dc.strName, L"Argila \u00E1");
-
-  text = Edit(kSite, R"("201","ALV","")", "\"201\",\"Argila \xE1\",\"\"");
-  const auto set = Read(text);
+TEST(AgsReaderTest, BytesOutsideUtf8AreReadAsWindows1252WithAWarning) {
+  const auto set = Read(Edit(kSite, "\"ALV\"", "\"Argila \xE1\""));
   EXPECT_EQ(set.holes[0].strata[0].dc.strName, L"Argila \u00E1");
-  EXPECT_EQ(
-      Messages(set.diagnostics),
-      (std::vector<std::string>{
-          "site.ags:18: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"}));
+  EXPECT_EQ(Messages(set.diagnostics),
+            std::vector<std::string>{
+                "site.ags:18: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"});
 }
 
-TEST(Ags4ReaderTest, ChoosesTheFirstFilledCodeColumn) {
-  // GEOL_GEOL empty throughout, as in files that fill only the legend code.
-  std::string text = kSite;
+TEST(AgsReaderTest, CodesComeFromTheFirstFilledCodeColumnOrTheOneNamed) {
+  std::string legendOnly = kSite; // as in files that fill only the legend code
   for (const auto& code : {"ALV", "RTD", "MG", "RTD"}) {
-    text = Edit(text, std::string("\",\"") + code + "\",\"\"", "\",\"\",\"\"");
+    legendOnly = Edit(legendOnly, std::string("\",\"") + code + "\",\"\"", "\",\"\",\"\"");
   }
-  const auto set = Read(text);
+  const auto set = Read(legendOnly);
   EXPECT_EQ(set.holes[0].strata[0].dc.strName, L"201");
   EXPECT_EQ(set.holes[0].strata[0].where.field, "GEOL_LEG");
-}
-
-TEST(Ags4ReaderTest, TheUserChoosesTheCodeColumn) {
-  ReadOptions options;
-  options.codeColumn = "geol_leg";
-  EXPECT_EQ(Read(kSite, options).holes[1].strata[0].dc.strName, L"102");
-  options.codeColumn = "GEOL_BGS";
-  EXPECT_EQ(ParseErrorOf([&] { Read(kSite, options); }),
+  EXPECT_EQ(Read(kSite, CodeColumn("geol_leg")).holes[1].strata[0].dc.strName, L"102");
+  EXPECT_EQ(ParseErrorOf([] { Read(kSite, CodeColumn("GEOL_BGS")); }),
             "site.ags:15: field GEOL_BGS: group GEOL has no heading GEOL_BGS");
-}
-
-TEST(Ags4ReaderTest, NoCodeInAnyColumnIsAParseError) {
-  std::string text = kSite;
-  for (const auto& row :
-       {R"("201","ALV","")", R"("501","RTD","")", R"("102","MG","")", R"("501","RTD","")"}) {
-    text = Edit(text, row, R"("","","")");
+  std::string none = legendOnly;
+  for (const auto& row : {R"("201","","")", R"("501","","")", R"("102","","")", R"("501","","")"}) {
+    none = Edit(none, row, R"("","","")");
   }
-  EXPECT_EQ(ParseErrorOf([&] { Read(text); }),
+  EXPECT_EQ(ParseErrorOf([&] { Read(none); }),
             "site.ags:15: field GEOL_GEOL: no stratum codes: GEOL_GEOL, GEOL_LEG and GEOL_GEO2 are "
             "missing or empty in every row; name the column that holds the codes");
 }
 
-TEST(Ags4ReaderTest, SortsGeolRowsOfAHoleByDepth) {
+TEST(AgsReaderTest, SortsGeolRowsOfAHoleByDepth) {
   const std::string first =
       R"("DATA","BH1","0.00","1.50","Soft, brown ""sandy"" CLAY","201","ALV","")";
   const std::string second = R"("DATA","BH1","1.50","5.00","Dense GRAVEL","501","RTD","")";
-  const auto text = Edit(kSite, first + "\n" + second, second + "\n" + first);
-  const auto set = Read(text);
-  EXPECT_EQ(Layers(set.holes[0]), (std::vector<Layer>{{L"ALV", 10.0, 8.5}, {L"RTD", 8.5, 5.0}}));
-  EXPECT_EQ(set.holes[0].strata[0].where.line, 19U); // the row keeps its own line
-  EXPECT_EQ(
-      Messages(set.diagnostics),
-      (std::vector<std::string>{"site.ags:14: warning: field GEOL_TOP: GEOL rows not in depth "
-                                "order in 1 hole (BH1); sorted by GEOL_TOP"}));
+  const auto set = Read(Edit(kSite, first + "\n" + second, second + "\n" + first));
+  // Each row keeps its own line.
+  EXPECT_EQ(Summary(set)[0], "BH1 @1000,2000 top 10: ALV 10..8.5@19 RTD 8.5..5@18");
+  EXPECT_EQ(Messages(set.diagnostics),
+            std::vector<std::string>{"site.ags:14: warning: field GEOL_TOP: GEOL rows not in depth "
+                                     "order in 1 hole (BH1); sorted by GEOL_TOP"});
 }
 
-TEST(Ags4ReaderTest, AHoleWithoutGeologyIsLeftOutWithAWarning) {
-  const auto text = Edit(kSite, R"("DATA","BH2","CP","1100.00","2000.00","12.50","6.00")",
-                         R"("DATA","BH2","CP","1100.00","2000.00","12.50","6.00")"
-                         "\n"
-                         R"("DATA","TP9","TP","1200.00","2000.00","11.00","")");
-  const auto set = Read(text);
-  EXPECT_EQ(set.holes.size(), 2U);
-  EXPECT_EQ(
-      Messages(set.diagnostics),
-      (std::vector<std::string>{"site.ags:13: warning: field LOCA_ID: hole 'TP9' left out: no "
-                                "geology (no GEOL rows)"}));
-  EXPECT_EQ(set.skipped.at("TP9"), "no geology (no GEOL rows)");
-  EXPECT_FALSE(HasErrors(set.diagnostics));
-}
-
-TEST(Ags4ReaderTest, AHoleWithANullPositionOrGroundLevelIsLeftOut) {
-  const auto text = Edit(kSite, R"("BH2","CP","1100.00","2000.00","12.50")",
-                         R"("BH2","CP","1100.00","2000.00","")");
-  const auto set = Read(text);
-  ASSERT_EQ(set.holes.size(), 1U);
+TEST(AgsReaderTest, HolesWithoutGeologyOrAGroundLevelAreLeftOutWithAWarning) {
+  const auto set = Read(Edit(kSite, kBh2Loca,
+                             R"("DATA","BH2","CP","1100.00","2000.00","","6.00")"
+                             "\n"
+                             R"("DATA","TP9","TP","1200.00","2000.00","11.00","")"));
+  EXPECT_EQ(Summary(set),
+            std::vector<std::string>{"BH1 @1000,2000 top 10: ALV 10..8.5@19 RTD 8.5..5@20"});
   EXPECT_EQ(Messages(set.diagnostics),
             (std::vector<std::string>{
-                "site.ags:12: warning: field LOCA_GL: hole 'BH2' left out: LOCA_GL is empty"}));
+                "site.ags:12: warning: field LOCA_GL: hole 'BH2' left out: LOCA_GL is empty",
+                "site.ags:13: warning: field LOCA_ID: hole 'TP9' left out: no geology (no GEOL "
+                "rows)"}));
+  EXPECT_EQ(set.skipped.at("TP9"), "no geology (no GEOL rows)");
 }
 
-TEST(Ags4ReaderTest, GeolWithoutLocaIsAnErrorOfThatHole) {
-  const auto text = Edit(kSite, R"("DATA","BH2","2.00","6.00")", R"("DATA","BH3","2.00","6.00")");
-  const auto set = Read(text);
-  EXPECT_EQ(Messages(set.diagnostics, Severity::Error),
-            (std::vector<std::string>{
-                "site.ags:21: field LOCA_ID: hole 'BH3' has GEOL rows but no LOCA row"}));
-  EXPECT_EQ(set.diagnostics.back().hole, "BH3");
-  EXPECT_TRUE(HasErrors(ValidateBoreholes(set)));
-}
-
-TEST(Ags4ReaderTest, ADuplicateLocaIdIsAnError) {
-  const auto text = Edit(kSite, R"("DATA","BH2","CP","1100.00")", R"("DATA","BH1","CP","1100.00")");
-  const auto set = Read(text);
+TEST(AgsReaderTest, DuplicateHolesAndGeologyWithoutAHoleAreErrorsOfThatHole) {
+  const auto set = Read(Edit(kSite, R"("DATA","BH2","CP")", R"("DATA","BH1","CP")"));
   EXPECT_EQ(
-      Messages(set.diagnostics, Severity::Error),
+      Messages(set.diagnostics),
       (std::vector<std::string>{"site.ags:12: field LOCA_ID: duplicate hole name 'BH1' (first "
                                 "at line 11); this row is ignored",
                                 "site.ags:20: field LOCA_ID: hole 'BH2' has GEOL rows but no "
                                 "LOCA row"}));
+  EXPECT_EQ(set.diagnostics.back().hole, "BH2");
+  EXPECT_TRUE(HasErrors(ValidateBoreholes(set)));
 }
 
-TEST(Ags4ReaderTest, NullDepthsAreErrorsAndNullCodesWarnings) {
-  auto text = Edit(kSite, R"("BH1","1.50","5.00","Dense GRAVEL","501","RTD")",
-                   R"("BH1","1.50","","Dense GRAVEL","501","RTD")");
+TEST(AgsReaderTest, NullDepthsAreErrorsNullCodesWarningsAndUnloggedDepthsWorthAWarning) {
+  auto text = Edit(kSite, R"("BH1","1.50","5.00")", R"("BH1","1.50","")");
   text = Edit(text, R"("MADE GROUND","102","MG")", R"("MADE GROUND","102","")");
   const auto set = Read(text);
   EXPECT_EQ(
       Messages(set.diagnostics),
       (std::vector<std::string>{
-          "site.ags:19: field GEOL_BASE: empty: the stratum cannot be placed; the row is ignored",
+          "site.ags:19: field GEOL_BASE: empty: the stratum cannot be placed; the row is "
+          "ignored",
           "site.ags:11: warning: field LOCA_FDEP: the geology of hole 'BH1' ends at depth 1.5 "
           "but the hole goes down to 5: the section shows nothing below the last logged "
           "stratum",
           "site.ags:20: warning: field GEOL_GEOL: no code: the stratum gets an empty code"}));
-  EXPECT_EQ(set.holes[0].strata.size(), 1U);
-  EXPECT_EQ(set.holes[1].strata[0].dc.strName, L"");
-}
-
-TEST(Ags4ReaderTest, ANonNumberIsAParseErrorAndInfinityReachesTheValidation) {
-  EXPECT_EQ(
-      ParseErrorOf([] { Read(Edit(kSite, R"("BH2","2.00","6.00")", R"("BH2","2.00","6,0")")); }),
-      "site.ags:21: field GEOL_BASE: not a number: '6,0'");
-  EXPECT_EQ(ParseErrorOf([] {
-              Read(Edit(kSite, R"("1000.00","2000.00","10.00")", R"("1000.00","N/A","10.00")"));
-            }),
-            "site.ags:11: field LOCA_NATN: not a number: 'N/A'");
-  const auto set = Read(Edit(kSite, R"("BH2","2.00","6.00")", R"("BH2","2.00","inf")"));
-  EXPECT_EQ(Messages(ValidateBoreholes(set), Severity::Error),
-            (std::vector<std::string>{"site.ags:21: field GEOL_BASE: not a finite number: -inf"}));
-}
-
-TEST(Ags4ReaderTest, AFinalDepthBelowTheLoggedGeologyIsWorthAWarning) {
-  const auto text = Edit(kSite, R"("12.50","6.00")", R"("12.50","9.00")");
-  EXPECT_EQ(Messages(Read(text).diagnostics),
-            (std::vector<std::string>{"site.ags:12: warning: field LOCA_FDEP: the geology of hole "
-                                      "'BH2' ends at depth 6 but the hole goes down to 9: the "
-                                      "section shows nothing below the last logged stratum"}));
-  // Rounding of the logged depths is no reason to warn.
+  EXPECT_EQ(Summary(set), (std::vector<std::string>{"BH1 @1000,2000 top 10: ALV 10..8.5@18",
+                                                    "BH2 @1100,2000 top 12.5:  12.5..10.5@20 RTD "
+                                                    "10.5..6.5@21"}));
+  // A final depth 5 cm below the logged geology is rounding, no reason to warn.
   EXPECT_TRUE(Read(Edit(kSite, R"("12.50","6.00")", R"("12.50","6.05")")).diagnostics.empty());
 }
 
-TEST(Ags4SyntaxTest, MissingHeadingsAreParseErrors) {
-  EXPECT_EQ(ParseErrorOf(
-                [] { Read(Edit(kSite, R"(,"LOCA_GL","LOCA_FDEP")", R"(,"LOCA_X","LOCA_FDEP")")); }),
-            "site.ags:8: field LOCA_GL: group LOCA has no heading LOCA_GL");
-  EXPECT_EQ(ParseErrorOf(
-                [] { Read(Edit(kSite, R"("GEOL_TOP","GEOL_BASE")", R"("GEOL_TOP","GEOL_BOT")")); }),
-            "site.ags:15: field GEOL_BASE: group GEOL has no heading GEOL_BASE");
-}
-
-TEST(Ags4SyntaxTest, MissingGroupsAreParseErrors) {
+TEST(AgsReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
   const auto geolAt = kSite.find("\"GROUP\",\"GEOL\"");
-  EXPECT_EQ(ParseErrorOf([&] { Read(kSite.substr(0, geolAt)); }),
-            "site.ags: no GEOL group: the file holds no geology");
   const auto locaAt = kSite.find("\"GROUP\",\"LOCA\"");
-  EXPECT_EQ(
-      ParseErrorOf([&] { Read(kSite.substr(0, locaAt) + kSite.substr(geolAt)); }),
-      "site.ags: no LOCA group: the holes of the GEOL group have no position or ground level");
+  const struct {
+    std::string text;
+    const char* error;
+  } cases[] = {
+      {Edit(kSite, R"(,"LOCA_GL","LOCA_FDEP")", R"(,"LOCA_X","LOCA_FDEP")"),
+       "site.ags:8: field LOCA_GL: group LOCA has no heading LOCA_GL"},
+      {kSite.substr(0, geolAt), "site.ags: no GEOL group: the file holds no geology"},
+      {kSite.substr(0, locaAt) + kSite.substr(geolAt),
+       "site.ags: no LOCA group: the holes of the GEOL group have no position or ground level"},
+      {Edit(kSite, kBh2Loca, R"("DATA","BH2","CP","1100.00","2000.00","12.50")"),
+       "site.ags:12: field LOCA: the row has 5 fields but the group has 6 headings"},
+      {Edit(kSite, R"("HEADING","LOCA_ID",)",
+            "\"DATA\",\"X\",\"Y\",\"1\",\"2\",\"3\",\"4\"\n" +
+                std::string(R"("HEADING","LOCA_ID",)")),
+       "site.ags:8: field LOCA: data before the headings of group LOCA"},
+      {Edit(kSite, R"("UNIT","","m","m","","","","")", R"("HEADING","LOCA_ID")"),
+       "site.ags:16: field GEOL: second HEADING line in group GEOL (first at line 15)"},
+      {Edit(kSite, R"("UNIT","","m","m","","","","")", R"("UNIT","","m","m")"),
+       "site.ags:16: field GEOL: UNIT line: the row has 3 fields but the group has 7 headings"},
+      {Edit(kSite, R"("TYPE","ID","2DP","2DP","X")", R"("TIPO","ID","2DP","2DP","X")"),
+       "site.ags:17: field GEOL: unknown line type 'TIPO': expected GROUP, HEADING, UNIT, TYPE or "
+       "DATA"},
+      {Edit(kSite, R"("GROUP","GEOL")", R"("GROUP","GEOL","X")"),
+       "site.ags:14: field GROUP: a GROUP line holds exactly one group name"},
+      {kSite + "\n\"GROUP\",\"LOCA\"\n",
+       "site.ags:23: field LOCA: group LOCA appears twice (first at line 7)"},
+      {Edit(kSite, R"("LOCA_ID","LOCA_TYPE")", R"("LOCA_ID","LOCA_ID")"),
+       "site.ags:8: field LOCA_ID: heading appears twice in group LOCA"},
+      {Edit(kSite, "\n\"GROUP\",\"GEOL\"", "\n\"DATA\",\"x\"\n\"GROUP\",\"GEOL\""),
+       "site.ags:14: 'DATA' line outside a group: a group starts with a GROUP line"},
+      {"HOLEID,X,Y\n", "site.ags:1: not an AGS file: the first line is neither a \"GROUP\" line "
+                       "(AGS4) nor a \"**NAME\" line (AGS 3.1)"},
+      {Edit(kSite, R"("BH2","2.00","6.00")", R"("BH2","2.00","6,0")"),
+       "site.ags:21: field GEOL_BASE: not a number: '6,0'"},
+      {Edit(kSite, R"("1000.00","2000.00")", R"("1000.00","N/A")"),
+       "site.ags:11: field LOCA_NATN: not a number: 'N/A'"},
+      // AGS 3.1
+      {Edit(kSite3, R"("*HOLE_GL","*HOLE_FDEP")", R"("HOLE_GL","*HOLE_FDEP")"),
+       "site.ags:8: field HOLE_GL: a heading of AGS 3.1 starts with '*'"},
+      {Edit(kSite3, R"("<UNITS>","m","m","","","","")",
+            "\"<UNITS>\",\"m\",\"m\",\"\",\"\",\"\",\"\"\n\"<CONT>\",\"\",\"\",\"x\",\"\",\"\","
+            "\"\""),
+       "site.ags:16: field GEOL: <CONT> row with no data row above it to continue"},
+      {Edit(kSite3, R"ags((MADE GROUND)","102","MG","M")ags", R"ags((MADE GROUND)","102","MG")ags"),
+       "site.ags:18: field GEOL: <CONT> row: the row has 6 fields but the group has 7 headings"},
+      {"\"**PROJ\"\n\n\"P1\",\"x\"\n",
+       "site.ags:3: line outside a group: a group starts with a \"**NAME\" line"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(ParseErrorOf([&] { Read(c.text); }), c.error);
+  }
 }
 
-TEST(Ags4SyntaxTest, StructureErrorsNameTheLine) {
-  EXPECT_EQ(ParseErrorOf([] {
-              Read(Edit(kSite, R"("DATA","BH2","CP","1100.00","2000.00","12.50","6.00")",
-                        R"("DATA","BH2","CP","1100.00","2000.00","12.50")"));
-            }),
-            "site.ags:12: field LOCA: the row has 5 fields but the group has 6 headings");
-  EXPECT_EQ(ParseErrorOf([] {
-              Read(Edit(kSite, R"("HEADING","LOCA_ID","LOCA_TYPE")",
-                        R"("DATA","X","Y","1","2","3","4")"
-                        "\n"
-                        R"("HEADING","LOCA_ID","LOCA_TYPE")"));
-            }),
-            "site.ags:8: field LOCA: data before the headings of group LOCA");
-  EXPECT_EQ(ParseErrorOf([] {
-              Read(Edit(kSite, R"("UNIT","","m","m","","","","")", R"("HEADING","LOCA_ID")"));
-            }),
-            "site.ags:16: field GEOL: second HEADING line in group GEOL (first at line 15)");
-  EXPECT_EQ(
-      ParseErrorOf(
-          [] { Read(Edit(kSite, R"("UNIT","","m","m","","","","")", R"("UNIT","","m","m")")); }),
-      "site.ags:16: field GEOL: UNIT line: the row has 3 fields but the group has 7 headings");
-  EXPECT_EQ(ParseErrorOf([] {
-              Read(Edit(kSite, R"("TYPE","ID","2DP","2DP","X","PA","X","X")",
-                        R"("TIPO","ID","2DP","2DP","X","PA","X","X")"));
-            }),
-            "site.ags:17: field GEOL: unknown line type 'TIPO': expected GROUP, HEADING, UNIT, "
-            "TYPE or DATA");
-  EXPECT_EQ(ParseErrorOf([] { Read(Edit(kSite, R"("GROUP","GEOL")", R"("GROUP","GEOL","X")")); }),
-            "site.ags:14: field GROUP: a GROUP line holds exactly one group name");
-  EXPECT_EQ(ParseErrorOf([] {
-              Read(kSite + "\n" +
-                   R"("GROUP","LOCA")"
-                   "\n");
-            }),
-            "site.ags:23: field LOCA: group LOCA appears twice (first at line 7)");
-  EXPECT_EQ(ParseErrorOf([] {
-              Read(Edit(kSite, R"("HEADING","LOCA_ID","LOCA_TYPE","LOCA_NATE")",
-                        R"("HEADING","LOCA_ID","LOCA_ID","LOCA_NATE")"));
-            }),
-            "site.ags:8: field LOCA_ID: heading appears twice in group LOCA");
-}
-
-TEST(Ags4SyntaxTest, DataOutsideAGroupAndNonAgsTextAreParseErrors) {
-  EXPECT_EQ(ParseErrorOf([] {
-              Read(Edit(kSite, "\n\"GROUP\",\"GEOL\"", "\n\"DATA\",\"x\"\n\"GROUP\",\"GEOL\""));
-            }),
-            "site.ags:14: 'DATA' line outside a group: a group starts with a GROUP line");
-  EXPECT_EQ(ParseErrorOf([] { Read("HOLEID,X,Y\n"); }),
-            "site.ags:1: not an AGS file: the first line is neither a \"GROUP\" line (AGS4) nor a "
-            "\"**NAME\" line (AGS 3.1)");
-}
-
-TEST(Ags4SyntaxTest, GroupsWeDoNotReadMayBeBroken) {
-  // A PROJ group whose rows do not match its headings does not stop the reading of the geology.
-  const auto set = Read(Edit(kSite, R"("DATA","P1","Test site, north")", R"("DATA","P1")"));
-  EXPECT_EQ(set.holes.size(), 2U);
-}
-
-TEST(Ags4SyntaxTest, UndoubledQuotesAreReadWithAWarning) {
-  const auto text = Edit(kSite,
-                         R"("Dense GRAVEL","501","RTD","")"
-                         "\n"
-                         R"("DATA","BH2")",
-                         R"("Dense "coarse" GRAVEL","501","RTD","")"
-                         "\n"
-                         R"("DATA","BH2")");
-  const auto set = Read(text);
-  EXPECT_EQ(set.holes[0].strata[1].dc.strName, L"RTD");
-  EXPECT_EQ(Messages(set.diagnostics),
-            (std::vector<std::string>{"site.ags:19: warning: quotes not doubled inside a field; "
-                                      "read leniently, keeping stray quotes as text"}));
-}
-
-TEST(Ags4SyntaxTest, BlankLinesBetweenGroupsAreOptional) {
-  const auto set = Read(Edit(Edit(kSite, "\n\n\"GROUP\",\"LOCA\"", "\n\"GROUP\",\"LOCA\""),
-                             "\n\n\"GROUP\",\"GEOL\"", "\n\"GROUP\",\"GEOL\""));
-  EXPECT_EQ(set.holes.size(), 2U);
+TEST(AgsReaderTest, GroupsNotReadMayBeBrokenAndBlankLinesBetweenGroupsAreOptional) {
+  EXPECT_EQ(Summary(Read(Edit(kSite, R"("DATA","P1","Test site, north")", R"("DATA","P1")"))),
+            kSiteHoles);
+  const auto packed = Edit(Edit(kSite, "\n\n\"GROUP\",\"LOCA\"", "\n\"GROUP\",\"LOCA\""),
+                           "\n\n\"GROUP\",\"GEOL\"", "\n\"GROUP\",\"GEOL\"");
+  EXPECT_EQ(Read(packed).holes.size(), 2U);
 }
 
 } // namespace

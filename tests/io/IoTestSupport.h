@@ -1,15 +1,18 @@
-// Helpers of the reader tests: a temporary directory for hand-made files, and short ways to look
-// at diagnostics and errors.
+// Helpers of the reader tests: a temporary directory for hand-made files, edits of sample files,
+// borehole sets built in code, and short ways to look at what was read and what went wrong.
 #pragma once
 
+#include "BoreholeSet.h"
 #include "Diagnostics.h"
+#include "Numbers.h"
+#include "Text.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -36,10 +39,8 @@ public:
 
   // Writes the bytes as they are (no line-ending translation) and returns the path.
   std::filesystem::path Write(const std::string& name, std::string_view bytes) const {
-    const auto path = m_path / name;
-    std::ofstream out(path, std::ios::binary);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    return path;
+    std::ofstream(m_path / name, std::ios::binary) << bytes;
+    return m_path / name;
   }
   const std::filesystem::path& Path() const { return m_path; }
 
@@ -47,19 +48,12 @@ private:
   std::filesystem::path m_path;
 };
 
-inline std::vector<std::string> Messages(const std::vector<Diagnostic>& diagnostics) {
-  std::vector<std::string> out;
-  for (const auto& d : diagnostics) {
-    out.push_back(d.ToString());
-  }
-  return out;
-}
-
+// The diagnostics as the user reads them: all of them, or those of one severity.
 inline std::vector<std::string> Messages(const std::vector<Diagnostic>& diagnostics,
-                                         Severity severity) {
+                                         std::optional<Severity> only = {}) {
   std::vector<std::string> out;
   for (const auto& d : diagnostics) {
-    if (d.severity == severity) {
+    if (!only || d.severity == *only) {
       out.push_back(d.ToString());
     }
   }
@@ -77,16 +71,72 @@ inline std::string ParseErrorOf(const std::function<void()>& action) {
   return {};
 }
 
-// "a\nb\n" with CRLF line endings.
-inline std::string WithCrlf(std::string_view text) {
-  std::string out;
+// The text with a byte order mark, and CRLF for every LF.
+inline std::string WithBomAndCrlf(std::string_view text) {
+  std::string out = "\xEF\xBB\xBF";
   for (const char c : text) {
-    if (c == '\n') {
-      out += '\r';
-    }
-    out += c;
+    out += c == '\n' ? "\r\n" : std::string(1, c);
   }
   return out;
+}
+
+// The text with its first `from` replaced; fails the test when `from` is not there.
+inline std::string Edit(std::string text, const std::string& from, const std::string& to) {
+  const auto at = text.find(from);
+  if (at == std::string::npos) {
+    ADD_FAILURE() << "not in the file: " << from;
+    return text;
+  }
+  return text.replace(at, from.size(), to);
+}
+
+// One line per hole: "BH1 @100,200 top 50: SAND 50..47.5@2 CLAY 47.5..40@3", each stratum with the
+// line it was read from; metres to 0.1 mm.
+inline std::vector<std::string> Summary(const BoreholeSet& set) {
+  std::vector<std::string> out;
+  for (const auto& hole : set.holes) {
+    std::string line = hole.name + " @" + FormatMetres(hole.x) + "," + FormatMetres(hole.y) +
+                       " top " + FormatMetres(hole.top) + ":";
+    for (const auto& s : hole.strata) {
+      line += " " + ToUtf8(s.dc.strName) + " " + FormatMetres(s.dc.dTopGC) + ".." +
+              FormatMetres(s.dc.dBotGC) + "@" + std::to_string(s.where.line);
+    }
+    out.push_back(line);
+  }
+  return out;
+}
+
+struct Bed {
+  std::wstring code;
+  double top;
+  double bottom;
+};
+
+// A hole whose record starts on `line` of "set.json" and whose strata follow one per line.
+inline HoleRecord MakeHole(const std::string& name, double x, double y, double top,
+                           const std::vector<Bed>& beds, std::size_t line) {
+  HoleRecord hole;
+  hole.name = name;
+  hole.x = x;
+  hole.y = y;
+  hole.top = top;
+  hole.where = {"set.json", line, "name"};
+  for (std::size_t i = 0; i < beds.size(); ++i) {
+    StratumRecord stratum;
+    stratum.dc.strName = beds[i].code;
+    stratum.dc.dTopGC = beds[i].top;
+    stratum.dc.dBotGC = beds[i].bottom;
+    stratum.where = {"set.json", line + 1 + i, "code"};
+    hole.strata.push_back(stratum);
+  }
+  return hole;
+}
+
+inline BoreholeSet MakeSet(std::vector<HoleRecord> holes) {
+  BoreholeSet set;
+  set.source = "set.json";
+  set.holes = std::move(holes);
+  return set;
 }
 
 } // namespace xklink::testing

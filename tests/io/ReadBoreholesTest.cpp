@@ -1,12 +1,16 @@
-// The one entry for all formats: choosing the reader and applying the options.
+// The one entry for all formats: choosing the reader, applying the options, joining repeated codes.
 #include "ReadBoreholes.h"
 
 #include "IoTestSupport.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace xklink {
 namespace {
+
+using testing::Summary;
+using Lines = std::vector<std::string>;
 
 const std::string kJson = R"({"boreholes": [
  {"name": "A", "x": 0, "y": 0, "top": 10, "strata": [{"code": "S", "top": 10, "bottom": 8},
@@ -22,26 +26,13 @@ const std::string kAgs = "\"GROUP\",\"LOCA\"\n"
                          "\"DATA\",\"A\",\"0\",\"2\",\"S\"\n";
 const std::string kCsv = "HOLEID,X,Y,Z,FROM,TO,CODE\nA,0,0,10,0,2,S\n";
 
-TEST(FormatTest, NamesAreCaseInsensitive) {
-  EXPECT_EQ(FormatFromName("json"), Format::Json);
-  EXPECT_EQ(FormatFromName("AGS"), Format::Ags);
+TEST(FormatTest, NamesExtensionsOrContentTellTheFormat) {
   EXPECT_EQ(FormatFromName("Csv"), Format::Csv);
-  EXPECT_EQ(FormatName(Format::Ags), "ags");
-  try {
-    FormatFromName("xlsx");
-    ADD_FAILURE() << "no error";
-  } catch (const std::invalid_argument& error) {
-    EXPECT_STREQ(error.what(), "unknown input format 'xlsx': expected json, ags or csv");
-  }
-}
-
-TEST(FormatTest, TheExtensionDecidesWithoutReadingTheFile) {
+  EXPECT_EQ(FormatName(FormatFromName("AGS")), "ags");
+  EXPECT_THROW(FormatFromName("xlsx"), std::invalid_argument);
+  // The extension decides without reading the file (none of these exists).
   EXPECT_EQ(DetectFormat("site.json"), Format::Json);
-  EXPECT_EQ(DetectFormat("site.AGS"), Format::Ags);
   EXPECT_EQ(DetectFormat("dir.v2/holes.CSV"), Format::Csv);
-}
-
-TEST(FormatTest, OtherwiseTheContentDecides) {
   testing::TempDir dir;
   EXPECT_EQ(DetectFormat(dir.Write("a.txt", "\xEF\xBB\xBF" + kAgs)), Format::Ags);
   EXPECT_EQ(DetectFormat(dir.Write("b.txt", "\"**PROJ\"\n")), Format::Ags);
@@ -57,39 +48,53 @@ TEST(ReadBoreholesTest, ReadsEachFormatWithTheFileNameInPlaces) {
   testing::TempDir dir;
   const auto json = dir.Write("holes.json", kJson);
   const auto set = ReadBoreholes(json, Format::Json);
-  ASSERT_EQ(set.holes.size(), 2U);
+  EXPECT_EQ(Summary(set), (Lines{"A @0,0 top 10: S 10..8@2 S 8..5@3", "B @9,0 top 10: S 10..6@4"}));
   EXPECT_EQ(set.source, json.string());
   EXPECT_EQ(set.holes[1].where.file, json.string());
-  EXPECT_EQ(ReadBoreholes(dir.Write("s.ags", kAgs), Format::Ags).holes.size(), 1U);
-  EXPECT_EQ(ReadBoreholes(dir.Write("s.csv", kCsv), Format::Csv).holes.size(), 1U);
+  EXPECT_EQ(Summary(ReadBoreholes(dir.Write("s.ags", kAgs), Format::Ags)),
+            Lines{"A @0,0 top 10: S 10..8@7"});
   // The format given wins over the extension.
-  EXPECT_EQ(ReadBoreholes(dir.Write("export.txt", kCsv), Format::Csv).holes.size(), 1U);
-}
-
-TEST(ReadBoreholesTest, MergesRepeatsOnlyWhenAsked) {
-  testing::TempDir dir;
-  const auto json = dir.Write("holes.json", kJson);
-  EXPECT_EQ(ReadBoreholes(json, Format::Json).holes[0].strata.size(), 2U);
-  ReadOptions options;
-  options.mergeRepeats = true;
-  const auto merged = ReadBoreholes(json, Format::Json, options);
-  ASSERT_EQ(merged.holes[0].strata.size(), 1U);
-  EXPECT_EQ(merged.holes[0].strata[0].dc.dBotGC, 5.0);
-}
-
-TEST(ReadBoreholesTest, ACollarFileGoesOnlyWithCsv) {
-  testing::TempDir dir;
+  EXPECT_EQ(Summary(ReadBoreholes(dir.Write("s.txt", kCsv), Format::Csv)),
+            Lines{"A @0,0 top 10: S 10..8@2"});
   ReadOptions options;
   options.collarFile = dir.Write("collar.csv", "HOLEID,X,Y,Z\n");
-  EXPECT_THROW(ReadBoreholes(dir.Write("s.ags", kAgs), Format::Ags, options),
-               std::invalid_argument);
+  EXPECT_THROW(ReadBoreholes(dir.Path() / "s.ags", Format::Ags, options), std::invalid_argument);
+  // Repeated codes are joined only when asked.
+  options = {};
+  options.mergeRepeats = true;
+  EXPECT_EQ(Summary(ReadBoreholes(json, Format::Json, options))[0], "A @0,0 top 10: S 10..5@2");
 }
 
-TEST(ReadBoreholesTest, AMissingFileIsAParseError) {
-  testing::TempDir dir;
-  const auto missing = dir.Path() / "none.json";
-  EXPECT_EQ(testing::ParseErrorOf([&] { ReadBoreholes(missing, Format::Json); }),
-            missing.string() + ": cannot read the file: it does not exist");
+// Logs split one unit into several rows by description; joining them must never hide a fault.
+TEST(MergeRepeatsTest, JoinsTouchingSoundStrataOfTheSameCodeAndNothingElse) {
+  const auto merged = [](const std::vector<testing::Bed>& beds) {
+    auto set = testing::MakeSet({testing::MakeHole("H", 0, 0, 100, beds, 1)});
+    MergeRepeatedCodes(set);
+    return Summary(set)[0];
+  };
+  EXPECT_EQ(
+      merged(
+          {{L"MG", 100, 99}, {L"MG", 99, 97}, {L"MG", 97, 96}, {L"LC", 96, 80}, {L"MG", 80, 79}}),
+      "H @0,0 top 100: MG 100..96@2 LC 96..80@5 MG 80..79@6");
+  const std::vector<std::vector<testing::Bed>> kept = {
+      {{L"A", 100, 98}, {L"A", 97, 95}},                 // a gap
+      {{L"A", 100, 96}, {L"A", 97, 95}},                 // an overlap
+      {{L"A", 100, 98}, {L"A", 98, 99}, {L"A", 99, 90}}, // upside down: would look sound
+      {{L"A", 100, NAN}, {L"A", NAN, 90}},               // not a number
+      {{L"Clay", 100, 98}, {L"CLAY", 98, 95}},           // codes differ in case
+  };
+  for (const auto& beds : kept) {
+    auto set = testing::MakeSet({testing::MakeHole("H", 0, 0, 100, beds, 1)});
+    EXPECT_EQ(merged(beds), Summary(set)[0]);
+  }
+  // Strata the host tells apart by its own value or flag stay apart.
+  auto set = testing::MakeSet(
+      {testing::MakeHole("H", 0, 0, 100, {{L"A", 100, 98}, {L"A", 98, 95}, {L"A", 95, 90}}, 1)});
+  set.holes[0].strata[1].dc.dAux = 2.0;
+  set.holes[0].strata[2].dc.dAux = 2.0;
+  set.holes[0].strata[2].dc.bAux = true;
+  MergeRepeatedCodes(set);
+  EXPECT_EQ(set.holes[0].strata.size(), 3U);
 }
 
 } // namespace

@@ -1,83 +1,215 @@
-// UTF-8 <-> wide strings: the codes of strata are UTF-8 in files ("Diabásio", "Carvão") and wide
-// strings in the records.
+// Text as files bring it: UTF-8 codes of strata ("Diabásio", "Carvão") as wide strings,
+// Windows-1252 from spreadsheets, numbers as written, line endings of every system, and unreadable
+// files.
 #include "Text.h"
 
+#include "CsvRecords.h"
 #include "IoTestSupport.h"
+#include "Numbers.h"
+#include "SourceFile.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace xklink {
 namespace {
 
+using namespace std::string_view_literals;
+using testing::ParseErrorOf;
+
 const SourceRef kWhere{"codes.csv", 7, "CODE"};
 
-TEST(Utf8Test, DecodesOneToFourByteSequences) {
-  EXPECT_EQ(FromUtf8("Made Ground", kWhere), L"Made Ground");
-  EXPECT_EQ(FromUtf8("Diab\xC3\xA1sio", kWhere), L"Diab\u00E1sio"); // 2 bytes
-  EXPECT_EQ(FromUtf8("\xE2\x82\xAC", kWhere), L"\u20AC");           // 3 bytes: euro sign
-  EXPECT_EQ(FromUtf8("\xF0\x9F\x98\x80", kWhere), L"\U0001F600");   // 4 bytes
+TEST(Utf8Test, DecodesAndEncodesOneToFourByteSequences) {
+  EXPECT_EQ(FromUtf8("Diab\xC3\xA1sio \xE2\x82\xAC\xF0\x9F\x98\x80", kWhere),
+            L"Diab\u00E1sio \u20AC\U0001F600");
   EXPECT_EQ(FromUtf8("", kWhere), L"");
-}
-
-TEST(Utf8Test, EncodesBackToTheSameBytes) {
-  for (const std::string text :
-       {"Carv\xC3\xA3o", "\xE2\x82\xAC 10", "\xF0\x9F\x98\x80", "\xEF\xBF\xBF", "plain"}) {
-    EXPECT_EQ(ToUtf8(FromUtf8(text, kWhere)), text);
-  }
-}
-
-TEST(Utf8Test, LargestAndSmallestOfEachLengthRoundTrip) {
+  // The largest and smallest of each length round-trip.
   for (const char32_t cp :
        {0x7FU, 0x80U, 0x7FFU, 0x800U, 0xD7FFU, 0xE000U, 0xFFFFU, 0x10000U, 0x10FFFFU}) {
     const std::wstring wide(1, static_cast<wchar_t>(cp));
     EXPECT_EQ(FromUtf8(ToUtf8(wide), kWhere), wide) << std::hex << static_cast<unsigned>(cp);
   }
-}
-
-TEST(Utf8Test, UnencodableWideValuesBecomeReplacementCharacters) {
+  // A surrogate or a value beyond Unicode cannot be encoded: the replacement character.
   EXPECT_EQ(ToUtf8(std::wstring(1, static_cast<wchar_t>(0xD800))), "\xEF\xBF\xBD");
   EXPECT_EQ(ToUtf8(std::wstring(1, static_cast<wchar_t>(0x110000))), "\xEF\xBF\xBD");
 }
 
-TEST(Utf8Test, InvalidSequencesAreParseErrorsWithThePlace) {
-  EXPECT_EQ(testing::ParseErrorOf([] { FromUtf8("ab\x80", kWhere); }),
-            "codes.csv:7: field CODE: not valid UTF-8: byte 0x80 at position 3");
-  EXPECT_EQ(testing::ParseErrorOf([] { FromUtf8("Diab\xE1sio", kWhere); }),
+TEST(Utf8Test, InvalidSequencesAreFoundAtTheirFirstByte) {
+  EXPECT_EQ(ParseErrorOf([] { FromUtf8("Diab\xE1sio", kWhere); }),
             "codes.csv:7: field CODE: not valid UTF-8: byte 0xE1 at position 5");
-}
-
-TEST(Utf8Test, FindsTheFirstInvalidByte) {
-  EXPECT_FALSE(FindInvalidUtf8("Rio do Rasto, Irati").has_value());
   EXPECT_FALSE(FindInvalidUtf8("\xC3\xA1\xE2\x82\xAC\xF0\x9F\x98\x80").has_value());
-  EXPECT_EQ(FindInvalidUtf8("\x80"), 0U);               // stray continuation byte
-  EXPECT_EQ(FindInvalidUtf8("ab\xC0\xAF"), 2U);         // overlong '/'
-  EXPECT_EQ(FindInvalidUtf8("\xE0\x80\x80"), 0U);       // overlong 3-byte
-  EXPECT_EQ(FindInvalidUtf8("\xED\xA0\x80"), 0U);       // encoded surrogate
-  EXPECT_EQ(FindInvalidUtf8("\xF4\x90\x80\x80"), 0U);   // above U+10FFFF
-  EXPECT_EQ(FindInvalidUtf8("x\xE2\x82"), 1U);          // cut short at the end
-  EXPECT_EQ(FindInvalidUtf8("\xE2\x82x"), 0U);          // cut short by a plain byte
-  EXPECT_EQ(FindInvalidUtf8("ok\xF5\x80\x80\x80"), 2U); // F5 never starts a sequence
+  const std::pair<std::string_view, std::size_t> invalid[] = {
+      {"\x80", 0},               // stray continuation byte
+      {"ab\xC0\xAF", 2},         // overlong '/'
+      {"\xE0\x80\x80", 0},       // overlong 3-byte
+      {"\xED\xA0\x80", 0},       // encoded surrogate
+      {"\xF4\x90\x80\x80", 0},   // above U+10FFFF
+      {"x\xE2\x82", 1},          // cut short at the end
+      {"\xE2\x82x", 0},          // cut short by a plain byte
+      {"ok\xF5\x80\x80\x80", 2}, // F5 never starts a sequence
+  };
+  for (const auto& [bytes, at] : invalid) {
+    EXPECT_EQ(FindInvalidUtf8(bytes), at) << ::testing::PrintToString(std::string(bytes));
+  }
 }
 
-TEST(Utf8Test, StripsOnlyALeadingByteOrderMark) {
+TEST(Utf8Test, OnlyALeadingByteOrderMarkIsStripped) {
   EXPECT_EQ(StripUtf8Bom("\xEF\xBB\xBFHOLEID,X"), "HOLEID,X");
-  EXPECT_EQ(StripUtf8Bom("HOLEID,X"), "HOLEID,X");
   EXPECT_EQ(StripUtf8Bom("a\xEF\xBB\xBF"), "a\xEF\xBB\xBF");
   EXPECT_EQ(StripUtf8Bom("\xEF\xBB"), "\xEF\xBB");
 }
 
-TEST(Windows1252Test, ReadsBytesOutsideUtf8AsWindows1252) {
-  // "30°" as Excel writes it on Windows, the euro sign and curly quotes from 80..9F.
-  EXPECT_EQ(Windows1252FallbackToUtf8("30\xB0"), "30\xC2\xB0");
-  EXPECT_EQ(Windows1252FallbackToUtf8("\x80"), "\xE2\x82\xAC");
-  EXPECT_EQ(Windows1252FallbackToUtf8("\x93x\x94"), "\xE2\x80\x9Cx\xE2\x80\x9D");
-  EXPECT_EQ(Windows1252FallbackToUtf8("\x81"), "\xC2\x81"); // undefined: the C1 control
-  EXPECT_EQ(Windows1252FallbackToUtf8("\xFF"), "\xC3\xBF");
+TEST(Windows1252Test, BytesOutsideUtf8AreReadAsWindows1252AndValidUtf8IsKept) {
+  // "30°" as Excel writes it on Windows, the euro sign and curly quotes from 80..9F, an undefined
+  // byte as its C1 control, a valid UTF-8 sequence among them, and one cut short at the end.
+  EXPECT_EQ(Windows1252FallbackToUtf8("30\xB0 \x80\x93x\x94\x81\xFF 30\xC2\xB0 \xC3"),
+            "30\xC2\xB0 \xE2\x82\xAC\xE2\x80\x9Cx\xE2\x80\x9D\xC2\x81\xC3\xBF 30\xC2\xB0 \xC3\x83");
 }
 
-TEST(Windows1252Test, KeepsValidUtf8AsItIs) {
-  EXPECT_EQ(Windows1252FallbackToUtf8("30\xC2\xB0 and 30\xB0"), "30\xC2\xB0 and 30\xC2\xB0");
-  EXPECT_FALSE(FindInvalidUtf8(Windows1252FallbackToUtf8("\xE9\xE8\x80\xC3")).has_value());
+TEST(NumbersTest, DecimalNumbersAsWrittenAndNothingElse) {
+  const std::pair<const char*, double> numbers[] = {{"-13.12", -13.12},
+                                                    {"+3.5", 3.5},
+                                                    {" \t6791745.0 ", 6791745.0},
+                                                    {"1e3", 1000.0},
+                                                    {".5", 0.5}};
+  for (const auto& [text, value] : numbers) {
+    EXPECT_EQ(ParseNumber(text, kWhere), value) << text;
+  }
+  // Not finite, or too small: passed on for the validation to judge.
+  EXPECT_TRUE(std::isnan(ParseNumber("nan", kWhere)));
+  EXPECT_EQ(ParseNumber("-inf", kWhere), -HUGE_VAL);
+  EXPECT_EQ(ParseNumber("1e999", kWhere), HUGE_VAL);
+  EXPECT_LT(std::fabs(ParseNumber("1e-400", kWhere)), 1e-300);
+  EXPECT_EQ(ParseErrorOf([] { ParseNumber("abc", kWhere); }),
+            "codes.csv:7: field CODE: not a number: 'abc'");
+  for (const char* text : {"", "  ", "1,5", "12m", "--1", "+-1", "++1", "0x10", "1.2.3", "- 1"}) {
+    EXPECT_THROW(ParseNumber(text, kWhere), ParseError) << text;
+  }
+  EXPECT_TRUE(IsNullField(" \t "));
+  EXPECT_FALSE(IsNullField(" 0 "));
+  EXPECT_EQ(TrimSpaces("  BH 01\t"), "BH 01");
+}
+
+TEST(NumbersTest, MetresShowAtMostFourDecimalsAndEveryDigitBeforeThePoint) {
+  EXPECT_EQ(FormatMetres(39.1 - 19.97), "19.13");
+  EXPECT_EQ(FormatMetres(5.0), "5");
+  EXPECT_EQ(FormatMetres(1234.56789), "1234.5679");
+  EXPECT_EQ(FormatMetres(-0.00001), "0");
+  EXPECT_EQ(FormatMetres(-HUGE_VAL), "-inf");
+  // Elevations such as 1e308 are finite and reach the messages: every digit must be there, not
+  // the first 63 characters of them (nor a read past a fixed-size buffer).
+  EXPECT_EQ(FormatMetres(1e20), "100000000000000000000");
+  const std::string largest = FormatMetres(-1.7976931348623157e308);
+  EXPECT_EQ(largest.size(), 310U);
+  EXPECT_EQ(largest.substr(0, 7), "-179769");
+  // Numbers read back exactly.
+  EXPECT_EQ(FormatNumber(0.1), "0.1");
+  EXPECT_EQ(ParseNumber(FormatNumber(39.1 - 19.97), kWhere), 39.1 - 19.97);
+}
+
+TEST(SourceTextTest, LinesEndInLfCrlfOrCrAndAreNumberedFromOne) {
+  const auto texts = [](std::string_view text) {
+    std::vector<std::string> out;
+    for (const auto& line : SplitLines(text)) {
+      out.push_back(std::to_string(line.number) + ":" + std::string(line.text));
+    }
+    return out;
+  };
+  const std::vector<std::string> expected = {"1:a", "2:b", "3:", "4:c"};
+  // The last: mixed, as after a careless merge of two files, and no ending after the last line.
+  for (const auto text : {"a\nb\n\nc\n", "a\r\nb\r\n\r\nc\r\n", "a\rb\r\rc\r", "a\r\nb\n\rc"}) {
+    EXPECT_EQ(texts(text), expected) << ::testing::PrintToString(std::string(text));
+  }
+  EXPECT_TRUE(SplitLines("").empty());
+  EXPECT_EQ(texts("\n"), std::vector<std::string>{"1:"});
+  const LineIndex index("ab\r\ncd\ne\rf");
+  // Offset 2 and 3 are the CR and LF of one line ending.
+  const std::pair<std::size_t, std::size_t> lines[] = {{0, 1}, {2, 1}, {3, 1},
+                                                       {4, 2}, {7, 3}, {9, 4}};
+  for (const auto& [offset, line] : lines) {
+    EXPECT_EQ(index.LineOf(offset), line) << offset;
+  }
+}
+
+TEST(SourceTextTest, TextMustBeUtf8WithoutNulBytes) {
+  EXPECT_NO_THROW(RequireUtf8Text("HOLEID,LITO\n1,Diab\xC3\xA1sio\n", "lito.csv"));
+  EXPECT_EQ(ParseErrorOf([] { RequireUtf8Text("HOLEID,LITO\r\n1,Diab\xE1sio\n", "l.csv"); }),
+            "l.csv:2: not valid UTF-8 at column 7; save the file as UTF-8");
+  EXPECT_EQ(ParseErrorOf([] { RequireUtf8Text("a\nb\0c"sv, "bin.csv"); }),
+            "bin.csv:2: contains a NUL byte: this is not a text file");
+}
+
+TEST(SourceTextTest, FilesLoseTheirByteOrderMarkAndMissingOnesAreNamed) {
+  testing::TempDir dir;
+  EXPECT_EQ(ReadSourceFile(dir.Write("bom.csv", "\xEF\xBB\xBFHOLEID\r\nBH1\r\n")),
+            "HOLEID\r\nBH1\r\n");
+  const auto missing = dir.Path() / "nothing.ags";
+  EXPECT_EQ(ParseErrorOf([&] { ReadSourceFile(missing); }),
+            missing.string() + ": cannot read the file: it does not exist");
+  EXPECT_EQ(ParseErrorOf([&] { ReadSourceFile(dir.Path()); }),
+            dir.Path().string() + ": cannot read the file: it is a directory");
+}
+
+// "line: field|field|..." for each record.
+std::vector<std::string> Records(std::string_view text) {
+  std::vector<std::string> out;
+  for (const auto& record : ReadCsvRecords(text, "t.csv")) {
+    std::string line = std::to_string(record.line) + ":";
+    for (std::size_t i = 0; i < record.fields.size(); ++i) {
+      line += (i == 0 ? "" : "|") + record.fields[i];
+    }
+    out.push_back(line);
+  }
+  return out;
+}
+
+TEST(CsvRecordsTest, QuotedFieldsLineEndingsBlankLinesAndSpaces) {
+  EXPECT_EQ(Records("HOLE,DESC\nBH1,\"Firm, grey CLAY\"\nBH2,\"a \"\"soft\"\" spot\"\nBH3,\"\"\n"),
+            (std::vector<std::string>{"1:HOLE|DESC", "2:BH1|Firm, grey CLAY",
+                                      "3:BH2|a \"soft\" spot", "4:BH3|"}));
+  const std::vector<std::string> expected = {"1:A|B", "2:1|2", "3:3|x,y"};
+  for (const std::string text : {"A,B\n1,2\n3,\"x,y\"\n", "A,B\r\n1,2\r\n3,\"x,y\"\r\n",
+                                 "A,B\r1,2\r3,\"x,y\"\r", "A,B\n1,2\n3,\"x,y\""}) {
+    EXPECT_EQ(Records(text), expected) << text;
+  }
+  EXPECT_EQ(Records("a,,c,\n,,\n"), (std::vector<std::string>{"1:a||c|", "2:||"}));
+  EXPECT_EQ(Records("H\n\nBH1\n   \nBH2\n"), (std::vector<std::string>{"1:H", "3:BH1", "5:BH2"}));
+  EXPECT_EQ(Records(" BH1 , 2.5 ,\" padded \"\n"),
+            (std::vector<std::string>{"1:BH1|2.5| padded "}));
+  EXPECT_TRUE(Records("").empty());
+  EXPECT_TRUE(Records("\n\n").empty());
+}
+
+TEST(CsvRecordsTest, AQuotedLineBreakKeepsTheRecordOnItsFirstLine) {
+  EXPECT_EQ(Records("H,NOTE\nBH1,\"two\r\nlines\"\nBH2,x\n\"BH3\nB\",y\n"),
+            (std::vector<std::string>{"1:H|NOTE", "2:BH1|two\nlines", "4:BH2|x", "5:BH3\nB|y"}));
+  EXPECT_EQ(testing::ParseErrorOf([] { Records("A,B\nBH1,2\n\"BH2,3\n4,5\n"); }),
+            "t.csv:3: a quoted field opened in this record is never closed");
+}
+
+TEST(CsvRecordsTest, BadQuotingIsAParseErrorWithTheLineAndColumn) {
+  const std::string advice = ": a quote inside an unquoted field or text after a closing quote "
+                             "(write a quote inside a quoted field as \"\")";
+  EXPECT_EQ(testing::ParseErrorOf([] { Records("A,B\nBH1,ab\"c\n"); }),
+            "t.csv:2: bad quoting at column 7" + advice);
+  EXPECT_EQ(testing::ParseErrorOf([] { Records("A,B\n\"x\"y,1\n"); }),
+            "t.csv:2: bad quoting at column 4" + advice);
+}
+
+TEST(SplitAgsLineTest, SplitsQuotedFieldsAndReadsUndoubledQuotesLeniently) {
+  std::vector<Diagnostic> diagnostics;
+  EXPECT_EQ(SplitAgsLine(R"("DATA","BH1","0.00","Soft, brown ""CLAY""","")", {}, diagnostics),
+            (std::vector<std::string>{"DATA", "BH1", "0.00", "Soft, brown \"CLAY\"", ""}));
+  EXPECT_TRUE(SplitAgsLine("", {}, diagnostics).empty());
+  EXPECT_TRUE(diagnostics.empty());
+  // As in a real AGS file: "Ashfield Area "C" Development, Dunbar".
+  EXPECT_EQ(SplitAgsLine(R"("DATA","Ashfield Area "C" Development, Dunbar","x")",
+                         {"proj.ags", 4, {}}, diagnostics),
+            (std::vector<std::string>{"DATA", "Ashfield Area \"C\" Development, Dunbar", "x"}));
+  EXPECT_EQ(testing::Messages(diagnostics),
+            std::vector<std::string>{
+                "proj.ags:4: warning: quotes not doubled inside a field; read leniently, "
+                "keeping stray quotes as text"});
 }
 
 } // namespace

@@ -13,7 +13,6 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <spawn.h>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <sys/stat.h>
@@ -30,6 +29,10 @@ namespace fs = std::filesystem;
 inline const std::string kTool = XKLINK_TOOL_PATH;
 inline const fs::path kExamples = XKLINK_EXAMPLES_DIR;
 inline const fs::path kRealData = XKLINK_REAL_DATA_DIR;
+// BH1 (A 100-95, B 95-90, C 90-80) and BH2 50 m east (A 101-97, C 97-85): B pinches out.
+inline const std::string kOverview = (kExamples / "overview.json").string();
+// Ten holes of the Northern Line Extension at Battersea, AGS 3.1.
+inline const std::string kNle = (kExamples / "nle-battersea" / "21-7-10-NLE.ags").string();
 
 inline std::string ReadFile(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -37,9 +40,7 @@ inline std::string ReadFile(const fs::path& path) {
 }
 
 inline void WriteFile(const fs::path& path, const std::string& text) {
-  std::ofstream out(path, std::ios::binary);
-  out << text;
-  if (!out) {
+  if (!(std::ofstream(path, std::ios::binary) << text)) {
     throw std::runtime_error("cannot write " + path.string());
   }
 }
@@ -102,22 +103,19 @@ struct RunResult {
   }
 };
 
-// A child process whose standard output and error go to files; standard input is /dev/null.
+// A child process (PATH searched) whose standard output and error go to files; standard input is
+// /dev/null. It starts with default actions for SIGINT and SIGTERM and nothing blocked, whatever
+// the test runner set: the interruption tests rely on those signals arriving.
 class Child {
 public:
-  // Searches PATH for argv[0] when it has no slash. 127 as the exit code when it cannot be run.
   explicit Child(const std::vector<std::string>& argv) {
-    m_outPath = m_dir / "stdout";
-    m_errPath = m_dir / "stderr";
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, m_outPath.c_str(),
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, m_out.c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, m_errPath.c_str(),
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, m_err.c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    // The child starts with default signal actions and nothing blocked, whatever the test runner
-    // set: the interruption tests rely on SIGINT and SIGTERM arriving.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     sigset_t none;
@@ -134,12 +132,11 @@ public:
       args.push_back(const_cast<char*>(a.c_str()));
     }
     args.push_back(nullptr);
-    const int rc = ::posix_spawnp(&m_pid, args[0], &actions, &attributes, args.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    posix_spawnattr_destroy(&attributes);
-    if (rc != 0) {
+    if (::posix_spawnp(&m_pid, args[0], &actions, &attributes, args.data(), environ) != 0) {
       m_pid = -1;
     }
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
   }
   ~Child() {
     if (m_pid > 0) {
@@ -156,6 +153,7 @@ public:
     }
   }
 
+  // 127 as the exit code when the program could not be started.
   RunResult Wait() {
     RunResult result;
     if (m_pid <= 0) {
@@ -172,15 +170,15 @@ public:
     } else if (WIFSIGNALED(status)) {
       result.signal = WTERMSIG(status);
     }
-    result.out = ReadFile(m_outPath);
-    result.err = ReadFile(m_errPath);
+    result.out = ReadFile(m_out);
+    result.err = ReadFile(m_err);
     return result;
   }
 
 private:
   TempDir m_dir;
-  fs::path m_outPath;
-  fs::path m_errPath;
+  fs::path m_out = m_dir / "out";
+  fs::path m_err = m_dir / "err";
   pid_t m_pid = -1;
 };
 
@@ -190,8 +188,20 @@ inline RunResult RunProgram(const std::vector<std::string>& argv) {
 
 // xklink with the given arguments.
 inline RunResult RunTool(std::vector<std::string> args) {
-  args.insert(args.begin(), kTool);
-  return RunProgram(args);
+  std::vector<std::string> argv{kTool};
+  argv.insert(argv.end(), std::make_move_iterator(args.begin()), std::make_move_iterator(args.end()));
+  return RunProgram(argv);
+}
+
+// Expects the run to fail with exit status 2 and nothing on standard output, and its message on
+// standard error to hold every fragment.
+inline void ExpectRefused(const RunResult& run, const std::vector<std::string>& fragments) {
+  EXPECT_EQ(run.exitCode, 2) << run.Describe();
+  EXPECT_EQ(run.out, "");
+  for (const std::string& fragment : fragments) {
+    EXPECT_NE(run.err.find(fragment), std::string::npos) << "missing: " << fragment << "\n"
+                                                         << run.err;
+  }
 }
 
 // Fails the test with a message telling what to install when an external checker is missing.
@@ -205,17 +215,6 @@ inline void RequireProgram(const std::string& program, const std::string& packag
 // xmllint --noout: a real XML parser's verdict on a file.
 inline RunResult XmlLint(const fs::path& file) {
   return RunProgram({"xmllint", "--noout", file.string()});
-}
-
-// A python3 that can import ezdxf: the system's (python3-ezdxf) before one found on PATH, which
-// may be a virtual environment without it. Empty when there is none.
-inline std::string PythonWithEzdxf() {
-  for (const std::string candidate : {"/usr/bin/python3", "python3"}) {
-    if (RunProgram({candidate, "-c", "import ezdxf"}).exitCode == 0) {
-      return candidate;
-    }
-  }
-  return {};
 }
 
 } // namespace xktool
