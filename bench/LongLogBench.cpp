@@ -44,7 +44,8 @@ long StatusKilobytes(const char* key) {
 
 // Peak memory that one correlation of the pair adds to the process, in MiB: measured in a forked
 // child, after returning the free heap to the system and resetting the peak, so that neither the
-// benchmark's own allocations nor memory left over from earlier runs count.
+// benchmark's own allocations nor memory left over from earlier runs count. The child correlates
+// on a fresh context: the module-wide state keeps the working storage of the timed runs.
 double PeakMegabytes(const bench::HolePair& pair) {
   int channel[2];
   if (pipe(channel) != 0) {
@@ -60,7 +61,8 @@ double PeakMegabytes(const bench::HolePair& pair) {
     }
     const long before = StatusKilobytes("VmRSS:");
     std::vector<DataType::_sLinkLine> lines;
-    LinkDcLine(pair.first, pair.second, lines);
+    XKLinkDc::CorrelationContext context;
+    context.LinkDcLine(pair.first, pair.second, lines);
     const long peak = StatusKilobytes("VmHWM:") - before;
     const ssize_t written = write(channel[1], &peak, sizeof peak);
     _exit(written == sizeof peak ? 0 : 1);
