@@ -53,6 +53,9 @@ const std::wstring& CodeName(const DcRunList& list, const DcRun& run) {
 // occurrence) decides which is fused first; earlier comparisons would all be overwritten by it.
 bool FindRepeatedDc(const DcRunList& list, int32_t& code) {
   const std::vector<DcRun>& runs = list.vecRun;
+  if (runs.size() < 2) {
+    return false; // nothing can occur twice
+  }
   RunBuffers& work = list.pState->Work().runs;
   const auto codeCount = Index(list.pState->Codes().Count());
   if (work.firstRun.size() < codeCount) {

@@ -51,13 +51,25 @@ _sLinkRegion::_sLinkRegion(const _sLinkRegion& src) : _sLinkRegion() {
 
 _sLinkRegion::_sLinkRegion(_sLinkRegion&& src) noexcept = default;
 
-_sLinkRegion::~_sLinkRegion() {
-  if (vecChild.empty()) {
+namespace {
+
+// Trees of ordinary sections are a few levels deep and are released by plain recursion; below this
+// depth the rest of a subtree is handed to a work list, so that no depth exhausts the stack.
+constexpr int kRecursionDepth = 32;
+
+void ReleaseChildren(std::vector<_sLinkRegion>& children, int depth) {
+  if (depth < kRecursionDepth) {
+    for (_sLinkRegion& child : children) {
+      if (!child.vecChild.empty()) {
+        ReleaseChildren(child.vecChild, depth + 1);
+      }
+    }
+    children.clear(); // every child is childless by now: its destructor has nothing to walk
     return;
   }
   // Detach every descendant before it is destroyed, so that no destructor below this one finds
   // children of its own.
-  std::vector<_sLinkRegion> pending = std::move(vecChild);
+  std::vector<_sLinkRegion> pending = std::move(children);
   while (!pending.empty()) {
     _sLinkRegion last = std::move(pending.back());
     pending.pop_back();
@@ -65,6 +77,14 @@ _sLinkRegion::~_sLinkRegion() {
       pending.push_back(std::move(child));
     }
     last.vecChild.clear();
+  }
+}
+
+} // namespace
+
+_sLinkRegion::~_sLinkRegion() {
+  if (!vecChild.empty()) {
+    ReleaseChildren(vecChild, 0);
   }
 }
 
