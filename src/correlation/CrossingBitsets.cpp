@@ -146,7 +146,9 @@ private:
   std::size_t RowBegin(std::size_t p) const { return static_cast<std::size_t>(m.rowBegin[p]); }
   std::size_t RowEnd(std::size_t p) const { return static_cast<std::size_t>(m.rowEnd[p]); }
   std::size_t Column(std::size_t p) const { return static_cast<std::size_t>(m.column[p]); }
-  Bits<W> EarlierColumnsThan(std::size_t c) const { return Bits<W>::Load(&m.earlierColumns[c * W]); }
+  Bits<W> EarlierColumnsThan(std::size_t c) const {
+    return Bits<W>::Load(&m.earlierColumns[c * W]);
+  }
 
   std::size_t m_count;
   BitsetBuffers& m;

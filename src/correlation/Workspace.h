@@ -23,8 +23,8 @@ struct SweepBuffers {
   std::vector<uint8_t> live;       // the pair is in the tree
   std::vector<int32_t> offset;     // first entry of each column
   std::vector<SweepEntry> entries; // pairs by column, each column sorted by key
-  std::vector<int32_t> lo;      // first live entry of each column
-  std::vector<int32_t> hi;      // last live entry of each column
+  std::vector<int32_t> lo;         // first live entry of each column
+  std::vector<int32_t> hi;         // last live entry of each column
   std::vector<double> treeMin;
   std::vector<double> treeMax;
   // The second chance.
@@ -39,9 +39,9 @@ struct SweepBuffers {
 
 // Buffers of the crossing resolution by bitsets.
 struct BitsetBuffers {
-  std::vector<int32_t> rowBegin; // first pair of each pair's row
-  std::vector<int32_t> rowEnd;   // one past the last pair of each pair's row
-  std::vector<int32_t> column;   // each pair's column, counted from the lowest
+  std::vector<int32_t> rowBegin;        // first pair of each pair's row
+  std::vector<int32_t> rowEnd;          // one past the last pair of each pair's row
+  std::vector<int32_t> column;          // each pair's column, counted from the lowest
   std::vector<uint64_t> earlierColumns; // per column: the pairs in the columns before it
   std::vector<DcPair*> candidates;
 };

@@ -1,14 +1,14 @@
 // The two ways of settling crossing pairs must agree decision for decision: bitsets serve the
 // pairs of ordinary logs, the sweep tree those of long logs, and a region's pair count decides
-// which one runs. Random pair sets of every size up to the bitsets' limit (one to four words), with tied keys (equal
-// mid-elevation differences are common on surveyed grids) and keys that are not numbers.
+// which one runs. Random pair sets of every size up to the bitsets' limit (one to four words), with
+// tied keys (equal mid-elevation differences are common on surveyed grids) and keys that are not
+// numbers.
 #include "correlation/CrossingResolution.h"
 
 #include "support/RandomBoreholes.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
+#include <gtest/gtest.h>
 #include <limits>
 #include <random>
 #include <vector>
@@ -30,7 +30,7 @@ std::vector<DcPair> RandomPairs(std::mt19937_64& rng, int rows, int columns, dou
       pair.nDC1 = r + 3; // ranges need not start at the top of the hole
       pair.nDC2 = c * 2 + 1;
       const int pick = xktest::UniformInt(rng, 0, 40);
-      pair.dDiffGC = pick < 6 ? keys[pick]
+      pair.dDiffGC = pick < 6    ? keys[pick]
                      : pick == 6 ? std::numeric_limits<double>::quiet_NaN()
                      : pick == 7 ? std::numeric_limits<double>::infinity()
                                  : xktest::UniformReal(rng, 0.0, 20.0);
@@ -40,7 +40,9 @@ std::vector<DcPair> RandomPairs(std::mt19937_64& rng, int rows, int columns, dou
   return pairs;
 }
 
-bool SameKey(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+bool SameKey(double a, double b) {
+  return a == b || (std::isnan(a) && std::isnan(b));
+}
 
 TEST(CrossingResolution, BitsetsAndSweepTreeDecideAlike) {
   xkl::Workspace work;
@@ -50,7 +52,8 @@ TEST(CrossingResolution, BitsetsAndSweepTreeDecideAlike) {
     std::mt19937_64 rng(seed);
     const int rows = xktest::UniformInt(rng, 1, 30);
     const int columns = xktest::UniformInt(rng, 1, 30);
-    std::vector<DcPair> pairs = RandomPairs(rng, rows, columns, xktest::UniformReal(rng, 0.02, 0.5));
+    std::vector<DcPair> pairs =
+        RandomPairs(rng, rows, columns, xktest::UniformReal(rng, 0.02, 0.5));
     if (pairs.size() > xkl::kMaxBitsetPairs) {
       pairs.resize(xkl::kMaxBitsetPairs); // the first rows: still in collection order
     }
@@ -62,13 +65,15 @@ TEST(CrossingResolution, BitsetsAndSweepTreeDecideAlike) {
     for (std::size_t p = 0; p < pairs.size(); ++p) {
       ASSERT_EQ(byBitsets[p].bDrop, bySweep[p].bDrop) << "seed " << seed << ", pair " << p;
       ASSERT_TRUE(SameKey(byBitsets[p].dDiffGC, bySweep[p].dDiffGC)) << "seed " << seed;
-      readmitted = readmitted || (!bySweep[p].bDrop && !SameKey(bySweep[p].dDiffGC, pairs[p].dDiffGC));
+      readmitted =
+          readmitted || (!bySweep[p].bDrop && !SameKey(bySweep[p].dDiffGC, pairs[p].dDiffGC));
     }
     // What remains never crosses.
     for (std::size_t p = 0; p < pairs.size(); ++p) {
       for (std::size_t q = p + 1; q < pairs.size() && !byBitsets[p].bDrop; ++q) {
         if (!byBitsets[q].bDrop) {
-          ASSERT_FALSE(byBitsets[q].nDC1 > byBitsets[p].nDC1 && byBitsets[q].nDC2 < byBitsets[p].nDC2)
+          ASSERT_FALSE(byBitsets[q].nDC1 > byBitsets[p].nDC1 &&
+                       byBitsets[q].nDC2 < byBitsets[p].nDC2)
               << "seed " << seed;
         }
       }
