@@ -2,7 +2,6 @@
 // unmatched strata, and lenses inside an envelope.
 #include "CorrelationFixture.h"
 
-#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
@@ -12,96 +11,79 @@ namespace {
 std::wstring Describe(const xkl::DcRunList& list) {
   std::wstring s;
   for (const auto& r : list.vecRun) {
-    s += xkl::CodeName(list, r) + L"[" + std::to_wstring(r.nBegin) + L"," + std::to_wstring(r.nEnd) +
-         (r.bMerged ? L")*" : L")") + L" ";
+    s += xkl::CodeName(list, r) + L"[" + std::to_wstring(r.nBegin) + L"," +
+         std::to_wstring(r.nEnd) + (r.bMerged ? L")*" : L")") + L" ";
   }
   return s;
 }
 
+using Strata = std::vector<std::pair<std::wstring, double>>; // code and thickness
+
 class StratumRunTest : public CorrelationTest {
 protected:
   // Hole 1 from 100 m with the given codes and thicknesses; hole 2 a single stratum Z.
-  void LoadCodes(const std::vector<std::pair<std::wstring, double>>& strata) {
+  void LoadCodes(const Strata& strata) {
     std::vector<Layer> layers;
     double z = 100.0;
     for (const auto& [code, thickness] : strata) {
-      z -= thickness;
-      layers.push_back({code, z});
+      layers.push_back({code, z -= thickness});
     }
     Load(MakeBorehole(0.0, 0.0, 100.0, layers), MakeBorehole(80.0, 0.0, 100.0, {{L"Z", 70.0}}));
   }
-  xkl::DcRunList Runs(const DataType::_sLinkRegion& region, bool side) {
+  xkl::DcRunList Runs(const DataType::_sLinkRegion& region, bool side = true) {
     xkl::DcRunList list;
     xkl::BuildDcRunList(state, list, region, side);
     return list;
   }
   std::wstring Fused(const DataType::_sLinkRegion& region) {
-    xkl::DcRunList list = Runs(region, true);
+    xkl::DcRunList list = Runs(region);
     xkl::BuildFusedRuns(state, region, true, list.vecRun);
     return Describe(list);
   }
   // The interned code, -1 for a code that neither hole carries.
   int32_t Code(const wchar_t* code) { return state.Codes().IdOf(code); }
-  std::wstring Name(int32_t code) { return *state.Codes().codes[static_cast<std::size_t>(code)]; }
 };
 
-TEST_F(StratumRunTest, OneRunPerStratumOfTheSidesRange) {
-  LoadCodes({{L"A", 3}, {L"B", 4}, {L"A", 5}});
-  const auto region = Region(0, 3, 0, 1);
-  const auto one = Runs(region, true);
-  EXPECT_EQ(one.pZK, &state.zk1);
-  EXPECT_EQ(Describe(one), L"A[0,1) B[1,2) A[2,3) ");
-  const auto two = Runs(region, false);
-  EXPECT_EQ(two.pZK, &state.zk2);
-  EXPECT_EQ(Describe(two), L"Z[0,1) ");
-  EXPECT_TRUE(Runs(Region(1, 1, 0, 1), true).vecRun.empty());
-  auto lens = Region(1, 3, 0, 1);
-  lens.nBegin2 = lens.nEnd2 = -1;
-  EXPECT_TRUE(Runs(lens, false).vecRun.empty());
-}
-
-TEST_F(StratumRunTest, MergeFusesFirstToLastOccurrence) {
+TEST_F(StratumRunTest, OneRunPerStratumOfTheSidesRangeAndMergingFusesFirstToLast) {
   LoadCodes({{L"A", 3}, {L"B", 4}, {L"A", 5}, {L"C", 2}});
-  auto list = Runs(Region(0, 4, 0, 1), true);
-  xkl::MergeDcRun(list, Code(L"C")); // a single occurrence: nothing changes
-  xkl::MergeDcRun(list, Code(L"X"));
-  EXPECT_EQ(Describe(list), L"A[0,1) B[1,2) A[2,3) C[3,4) ");
-  xkl::MergeDcRun(list, Code(L"A"));
-  EXPECT_EQ(Describe(list), L"A[0,3)* C[3,4) ");
-}
-
-TEST_F(StratumRunTest, CompareDcThicknessNeedsTwoRunsOfEachCode) {
-  LoadCodes({{L"A", 5}, {L"B", 3}, {L"C", 2}, {L"A", 5}, {L"B", 3}, {L"C", 2}, {L"D", 4}});
-  const auto list = Runs(Region(0, 7, 0, 1), true);
-  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"A"), Code(L"A")), 0);
-  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"A"), Code(L"B")), 1); // 10 m against 6 m
-  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"C"), Code(L"B")), -1);
-  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"A"), Code(L"D")), -2); // D occurs once
-  EXPECT_EQ(xkl::CompareDcThickness(list, Code(L"X"), Code(L"A")), -2);
-  LoadCodes({{L"B", 2.5}, {L"C", 2.500004}, {L"B", 2.5}, {L"C", 2.5}});
-  EXPECT_EQ(xkl::CompareDcThickness(Runs(Region(0, 4, 0, 1), true), Code(L"B"), Code(L"C")), 0);
+  auto one = Runs(Region(0, 4, 0, 1));
+  EXPECT_EQ(Describe(one), L"A[0,1) B[1,2) A[2,3) C[3,4) ");
+  EXPECT_EQ(Describe(Runs(Region(0, 4, 0, 1), false)), L"Z[0,1) ");
+  EXPECT_TRUE(Runs(Region(1, 1, 0, 1)).vecRun.empty());
+  EXPECT_TRUE(Runs(Region(1, 3, -1, -1), false).vecRun.empty()); // a lens of hole 1
+  xkl::MergeDcRun(one, Code(L"C")); // a single occurrence: nothing changes
+  xkl::MergeDcRun(one, Code(L"X"));
+  EXPECT_EQ(Describe(one), L"A[0,1) B[1,2) A[2,3) C[3,4) ");
+  xkl::MergeDcRun(one, Code(L"A"));
+  EXPECT_EQ(Describe(one), L"A[0,3)* C[3,4) ");
 }
 
 TEST_F(StratumRunTest, LastTwoCandidatesDecideWhichCodeIsFusedFirst) {
-  // A is the thickest repeated code, yet only the last comparison, B against C, counts.
-  LoadCodes({{L"A", 5}, {L"B", 3}, {L"C", 2}, {L"A", 5}, {L"B", 3}, {L"C", 2}});
-  int32_t code = -1;
-  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), code));
-  EXPECT_EQ(Name(code), L"B");
+  // A is the thickest repeated code, yet only the last comparison, B against C, counts; a tie,
+  // also one within the tolerance, goes to the later candidate.
+  const std::pair<Strata, const wchar_t*> cases[] = {
+      {{{L"A", 5}, {L"B", 3}, {L"C", 2}, {L"A", 5}, {L"B", 3}, {L"C", 2}}, L"B"},
+      {{{L"A", 5}, {L"B", 2}, {L"C", 3}, {L"A", 5}, {L"B", 2}, {L"C", 3}}, L"C"},
+      {{{L"A", 5}, {L"B", 2.5}, {L"C", 2.5}, {L"A", 5}, {L"B", 2.5}, {L"C", 2.5}}, L"C"},
+      {{{L"A", 5}, {L"B", 2.500004}, {L"C", 2.5}, {L"A", 5}, {L"B", 2.500004}, {L"C", 2.5}}, L"C"},
+      {{{L"A", 5}, {L"B", 2.50001}, {L"C", 2.5}, {L"A", 5}, {L"B", 2.50001}, {L"C", 2.5}}, L"B"},
+  };
+  for (const auto& [strata, expected] : cases) {
+    SCOPED_TRACE(testing::Message() << "B " << strata[1].second << ", C " << strata[2].second);
+    LoadCodes(strata);
+    int32_t code = -1;
+    ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1)), code));
+    EXPECT_EQ(code, Code(expected));
+  }
+  LoadCodes(cases[0].first);
   EXPECT_EQ(Fused(Region(0, 6, 0, 1)), L"A[0,1) B[1,5)* C[5,6) ");
-  LoadCodes({{L"A", 5}, {L"B", 2}, {L"C", 3}, {L"A", 5}, {L"B", 2}, {L"C", 3}});
-  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), code));
-  EXPECT_EQ(Name(code), L"C");
-  LoadCodes({{L"A", 5}, {L"B", 2.5}, {L"C", 2.5}, {L"A", 5}, {L"B", 2.5}, {L"C", 2.5}});
-  ASSERT_TRUE(xkl::FindRepeatedDc(Runs(Region(0, 6, 0, 1), true), code));
-  EXPECT_EQ(Name(code), L"C"); // a tie goes to the later candidate
 }
 
 TEST_F(StratumRunTest, EnvelopeCodeBeforeTheSecondOccurrenceBlocksFusing) {
   LoadCodes({{L"B", 2}, {L"A", 3}, {L"B", 2}});
   int32_t code = -1;
   for (const bool named : {true, false}) {
-    EXPECT_FALSE(xkl::FindRepeatedDc(Runs(Region(0, 3, 0, 1, L"A", named, 2), true), code));
+    EXPECT_FALSE(xkl::FindRepeatedDc(Runs(Region(0, 3, 0, 1, L"A", named, 2)), code));
   }
   // The envelope's code above the first occurrence does not count.
   LoadCodes({{L"A", 1}, {L"B", 2}, {L"C", 3}, {L"B", 2}});
@@ -112,107 +94,76 @@ TEST_F(StratumRunTest, EnvelopeCodeBeforeTheSecondOccurrenceBlocksFusing) {
   EXPECT_EQ(Fused(Region(0, 5, 0, 1, L"A", true, 2)), L"B[0,5)* ");
 }
 
-using CloseUnmatchedRegionTest = CorrelationTest;
+// The wedges of one region: code, named, ranges; their corners lie on the boundaries of the
+// ranges, so a wedge thins out at the next stratum of the other hole.
+struct Wedge {
+  const wchar_t* code;
+  bool named;
+  int32_t b1, e1, b2, e2;
+};
 
-TEST_F(CloseUnmatchedRegionTest, WedgesInterleavedByCodeThinOutAtTheNextStratum) {
+class CloseUnmatchedRegionTest : public CorrelationTest {
+protected:
+  void Expect(int32_t b1, int32_t e1, int32_t b2, int32_t e2, int32_t kind,
+              const std::vector<Wedge>& wedges) {
+    SCOPED_TRACE(testing::Message() << "region " << b1 << "-" << e1 << ", " << b2 << "-" << e2);
+    xkl::RegionList out(1); // appended to, never cleared
+    xkl::CloseUnmatchedRegion(state, Region(b1, e1, b2, e2, L"W", false, kind), out);
+    ASSERT_EQ(out.size(), wedges.size() + 1);
+    EXPECT_TRUE(SameTree(out[0], DataType::_sLinkRegion()));
+    for (std::size_t i = 0; i < wedges.size(); ++i) {
+      const Wedge& w = wedges[i];
+      EXPECT_TRUE(SameTree(out[i + 1], Region(w.b1, w.e1, w.b2, w.e2, w.code, w.named, 2))) << i;
+    }
+  }
+};
+
+TEST_F(CloseUnmatchedRegionTest, WedgesInterleaveByCodeUnitsHoleOneFirstOnTies) {
   Load(MakeBorehole(0.0, 0.0, 100.0, {{L"1", 95.0}, {L"3", 90.0}}),
        MakeBorehole(50.0, 0.0, 101.0, {{L"2", 93.0}}));
-  xkl::RegionList out(1);
-  xkl::CloseUnmatchedRegion(state, Region(0, 2, 0, 1), out);
-  ASSERT_EQ(out.size(), 4u);
-  const auto& w1 = out[1];
-  const auto& w2 = out[2];
-  const auto& w3 = out[3];
-  EXPECT_EQ(w1.strName + w2.strName + w3.strName, L"123");
-  for (const auto* w : {&w1, &w2, &w3}) {
-    EXPECT_EQ(w->nType, 2);
-    EXPECT_FALSE(w->bNamed);
-    EXPECT_TRUE(w->vecChild.empty());
-  }
-  EXPECT_RANGES(w1, 0, 1, 0, 0); // thins out at the top of 2
-  EXPECT_Z(w1, 100.0, 95.0, 101.0, 101.0);
-  EXPECT_RANGES(w2, 1, 1, 0, 1); // thins out at the top of 3
-  EXPECT_Z(w2, 95.0, 95.0, 101.0, 93.0);
-  EXPECT_RANGES(w3, 1, 2, 1, 1); // thins out at the region's end on hole 2
-  EXPECT_Z(w3, 95.0, 90.0, 93.0, 93.0);
-  EXPECT_POINT(w3.ptTop[0], 0.0, 0.0, 95.0);
-  EXPECT_POINT(w3.ptBot[1], 50.0, 0.0, 93.0);
-}
-
-TEST_F(CloseUnmatchedRegionTest, EmptySidesCodeUnitOrderAndTies) {
+  Expect(0, 2, 0, 1, 0,
+         {{L"1", false, 0, 1, 0, 0}, {L"2", false, 1, 1, 0, 1}, {L"3", false, 1, 2, 1, 1}});
   Load(MakeBorehole(0.0, 0.0, 100.0, {{L"9", 95.0}, {L"3", 90.0}}),
        MakeBorehole(50.0, 0.0, 101.0, {{L"10", 93.0}}));
-  xkl::RegionList out;
-  xkl::CloseUnmatchedRegion(state, Region(1, 1, 1, 1), out);
-  EXPECT_TRUE(out.empty());
-  xkl::CloseUnmatchedRegion(state, Region(0, 2, 1, 1), out); // nothing on hole 2
-  ASSERT_EQ(out.size(), 2u);
-  EXPECT_RANGES(out[0], 0, 1, 1, 1);
-  EXPECT_RANGES(out[1], 1, 2, 1, 1);
-  EXPECT_POINT(out[1].ptTop[1], 50.0, 0.0, 93.0);
-  out.clear();
-  xkl::CloseUnmatchedRegion(state, Region(0, 1, 0, 1), out); // "10" sorts before "9"
-  ASSERT_EQ(out.size(), 2u);
-  EXPECT_EQ(out[0].strName, L"10");
-  EXPECT_RANGES(out[0], 0, 0, 0, 1);
-  EXPECT_RANGES(out[1], 0, 1, 1, 1);
-
+  Expect(1, 1, 1, 1, 0, {});
+  Expect(0, 2, 1, 1, 0, {{L"9", false, 0, 1, 1, 1}, {L"3", false, 1, 2, 1, 1}});
+  Expect(0, 1, 0, 1, 0, {{L"10", false, 0, 0, 0, 1}, {L"9", false, 0, 1, 1, 1}});
   Load(MakeBorehole(0.0, 0.0, 100.0, {{L"Q", 95.0}}),
        MakeBorehole(50.0, 0.0, 101.0, {{L"Q", 93.0}}));
-  out.clear();
-  xkl::CloseUnmatchedRegion(state, Region(0, 1, 0, 1, L"W", false, 2), out);
-  ASSERT_EQ(out.size(), 2u);
-  EXPECT_RANGES(out[0], 0, 1, 0, 0); // equal codes: hole 1 first
-  EXPECT_RANGES(out[1], 1, 1, 0, 1);
-}
-
-TEST_F(CloseUnmatchedRegionTest, RepeatedCodeBecomesOneNamedWedge) {
+  Expect(0, 1, 0, 1, 2, {{L"Q", false, 0, 1, 0, 0}, {L"Q", false, 1, 1, 0, 1}});
+  // A repeated code becomes one named wedge over everything between its occurrences.
   Load(MakeBorehole(0.0, 0.0, 100.0, {{L"A", 95.0}, {L"B", 90.0}, {L"A", 85.0}}),
        MakeBorehole(50.0, 0.0, 101.0, {{L"C", 93.0}}));
-  xkl::RegionList out;
-  xkl::CloseUnmatchedRegion(state, Region(0, 3, 0, 1), out);
-  ASSERT_EQ(out.size(), 2u);
-  EXPECT_TRUE(out[0].bNamed);
-  EXPECT_EQ(out[0].strName, L"A");
-  EXPECT_RANGES(out[0], 0, 3, 0, 0);
-  EXPECT_Z(out[0], 100.0, 85.0, 101.0, 101.0);
-  EXPECT_RANGES(out[1], 3, 3, 0, 1);
-  EXPECT_Z(out[1], 85.0, 85.0, 101.0, 93.0);
+  Expect(0, 3, 0, 1, 0, {{L"A", true, 0, 3, 0, 0}, {L"C", false, 3, 3, 0, 1}});
 }
 
-using CloseNamedRegionTest = CorrelationTest;
+class CloseNamedRegionTest : public CorrelationTest {
+protected:
+  // A lens over the given ranges: the corners on its own hole in slot 0 (also for a lens of hole
+  // 2), the tip in slot 1.
+  DataType::_sLinkRegion Lens(int32_t b1, int32_t e1, int32_t b2, int32_t e2, const wchar_t* code,
+                              bool named, CXk3DPoint tip) {
+    auto r = Region(b1, e1, b2, e2, code, named, 1);
+    if (b1 < 0) {
+      r.ptTop[0] = r.ptTop[1];
+      r.ptBot[0] = r.ptBot[1];
+    }
+    r.ptTop[1] = r.ptBot[1] = tip;
+    return r;
+  }
+};
 
-TEST_F(CloseNamedRegionTest, EnclosedStratumBecomesALensReachingNearlyHalfWay) {
-  Load(MakeBorehole(0.0, 0.0, 100.0, {{L"A", 95.0}, {L"B", 90.0}, {L"A", 85.0}}),
-       MakeBorehole(100.0, 0.0, 100.0, {{L"A", 84.0}}));
-  xkl::RegionList out;
-  xkl::CloseNamedRegion(state, Region(0, 3, 0, 1, L"A", true), out);
-  ASSERT_EQ(out.size(), 1u);
-  const auto& lens = out[0];
-  EXPECT_EQ(lens.nType, 1);
-  EXPECT_FALSE(lens.bNamed);
-  EXPECT_EQ(lens.strName, L"B");
-  EXPECT_RANGES(lens, 1, 2, -1, -1);
-  EXPECT_POINT(lens.ptTop[0], 0.0, 0.0, 95.0);
-  EXPECT_POINT(lens.ptBot[0], 0.0, 0.0, 90.0);
-  EXPECT_POINT(lens.ptTop[1], 45.0, 0.0, 92.5);
-  EXPECT_POINT(lens.ptBot[1], 45.0, 0.0, 92.5);
-}
-
-TEST_F(CloseNamedRegionTest, LensesOfHoleOneFirstAndHoleTwoKeepsItsCornersInSlotZero) {
+TEST_F(CloseNamedRegionTest, LensesReachNearlyHalfWayAndThoseOfHoleTwoKeepCornersInSlotZero) {
+  // B of hole 1 first, its tip 45 m out at its mid elevation; C and D of hole 2 with their tips
+  // 45 m from hole 2 towards hole 1.
   Load(MakeBorehole(0.0, 0.0, 100.0, {{L"A", 95.0}, {L"B", 90.0}, {L"A", 85.0}}),
        MakeBorehole(100.0, 0.0, 100.0, {{L"A", 96.0}, {L"C", 92.0}, {L"D", 88.0}, {L"A", 84.0}}));
   xkl::RegionList out;
   xkl::CloseNamedRegion(state, Region(0, 3, 0, 4, L"A", true), out);
   ASSERT_EQ(out.size(), 3u);
-  EXPECT_EQ(out[0].strName + out[1].strName + out[2].strName, L"BCD");
-  EXPECT_RANGES(out[1], -1, -1, 1, 2);
-  EXPECT_POINT(out[1].ptTop[0], 100.0, 0.0, 96.0);
-  EXPECT_POINT(out[1].ptBot[0], 100.0, 0.0, 92.0);
-  EXPECT_POINT(out[1].ptTop[1], 55.0, 0.0, 94.0); // 45 m from hole 2 towards hole 1
-  EXPECT_POINT(out[1].ptBot[1], 55.0, 0.0, 94.0);
-  EXPECT_RANGES(out[2], -1, -1, 2, 3);
-  EXPECT_POINT(out[2].ptTop[1], 55.0, 0.0, 90.0);
+  EXPECT_TRUE(SameTree(out[0], Lens(1, 2, -1, -1, L"B", false, CXk3DPoint(45.0, 0.0, 92.5))));
+  EXPECT_TRUE(SameTree(out[1], Lens(-1, -1, 1, 2, L"C", false, CXk3DPoint(55.0, 0.0, 94.0))));
+  EXPECT_TRUE(SameTree(out[2], Lens(-1, -1, 2, 3, L"D", false, CXk3DPoint(55.0, 0.0, 90.0))));
 }
 
 TEST_F(CloseNamedRegionTest, FusedLensIsClosedAgainWithItsTipInsideTheOuterLens) {
@@ -224,22 +175,9 @@ TEST_F(CloseNamedRegionTest, FusedLensIsClosedAgainWithItsTipInsideTheOuterLens)
        MakeBorehole(100.0, 0.0, 100.0, {{L"A", 83.0}}));
   auto envelope = Region(0, 5, 0, 1, L"A", true);
   xkl::LinkRegion(state, envelope, true);
-  ASSERT_EQ(envelope.vecChild.size(), 1u);
-  const auto& c = envelope.vecChild[0];
-  EXPECT_EQ(c.nType, 1);
-  EXPECT_TRUE(c.bNamed);
-  EXPECT_EQ(c.strName, L"C");
-  EXPECT_RANGES(c, 1, 4, -1, -1);
-  EXPECT_Z(c, 96.0, 88.0, 92.0, 92.0);
-  EXPECT_POINT(c.ptTop[1], 45.0, 0.0, 92.0);
-  ASSERT_EQ(c.vecChild.size(), 1u);
-  const auto& d = c.vecChild[0];
-  EXPECT_EQ(d.nType, 1);
-  EXPECT_EQ(d.strName, L"D");
-  EXPECT_RANGES(d, 2, 3, -1, -1);
-  EXPECT_POINT(d.ptTop[1], 23.625, 0.0, 92.5);
-  EXPECT_POINT(d.ptBot[1], 23.625, 0.0, 92.5);
-  EXPECT_TRUE(d.vecChild.empty());
+  const auto c = Lens(1, 4, -1, -1, L"C", true, CXk3DPoint(45.0, 0.0, 92.0));
+  const auto d = Lens(2, 3, -1, -1, L"D", false, CXk3DPoint(23.625, 0.0, 92.5));
+  EXPECT_TRUE(SameTree(envelope, With(Region(0, 5, 0, 1, L"A", true), {With(c, {d})})));
 }
 
 } // namespace

@@ -5,9 +5,6 @@
 #include "CorrelationTestSupport.h"
 #include "correlation/Correlation.h"
 
-#include <cmath>
-#include <gtest/gtest.h>
-
 namespace xkltest {
 
 class CorrelationTest : public ::testing::Test {
@@ -15,8 +12,9 @@ protected:
   void Load(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
     state.zk1 = zk1;
     state.zk2 = zk2;
-    state.dDist =
-        std::sqrt((zk1.dY - zk2.dY) * (zk1.dY - zk2.dY) + (zk1.dX - zk2.dX) * (zk1.dX - zk2.dX));
+    const double dx = zk1.dX - zk2.dX;
+    const double dy = zk1.dY - zk2.dY;
+    state.dDist = std::sqrt(dy * dy + dx * dx);
     state.ForgetCodes();
   }
   DataType::_sLinkRegion Root() {

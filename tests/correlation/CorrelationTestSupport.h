@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace xkltest {
@@ -17,45 +18,37 @@ struct Layer {
   double bottom; // elevation of the stratum's bottom; its top is the bottom of the one above
 };
 
-// A borehole at plan position (x, y) whose logged strata start at firstTop (usually the collar)
+// A borehole at plan position (x, y) whose logged strata start at firstTop (by default the collar)
 // and follow one another without gaps.
 inline DataType::_sZK MakeBorehole(double x, double y, double collar,
-                                   const std::vector<Layer>& layers, double firstTop) {
+                                   const std::vector<Layer>& layers, double firstTop = NAN) {
   DataType::_sZK zk;
   zk.strName = L"ZK";
   zk.dTopGC = collar;
   zk.dX = x;
   zk.dY = y;
-  double top = firstTop;
+  double top = std::isnan(firstTop) ? collar : firstTop;
   for (const Layer& layer : layers) {
     DataType::_sZKDC dc;
     dc.strName = layer.code;
     dc.dTopGC = top;
-    dc.dBotGC = layer.bottom;
+    dc.dBotGC = top = layer.bottom;
     zk.vecDC.push_back(dc);
-    top = layer.bottom;
   }
   return zk;
-}
-
-inline DataType::_sZK MakeBorehole(double x, double y, double collar,
-                                   const std::vector<Layer>& layers) {
-  return MakeBorehole(x, y, collar, layers, collar);
 }
 
 // Elevation of the boundary above stratum k, derived from the records themselves: the top of
 // stratum k, below the last stratum its bottom, and on a hole without strata the collar.
 inline double Boundary(const DataType::_sZK& zk, int32_t k) {
   if (k < 0) {
-    return std::nan(""); // no boundary: a corner placed there can match nothing
+    return NAN; // no boundary: a corner placed there can match nothing
   }
   if (zk.vecDC.empty()) {
     return zk.dTopGC;
   }
-  if (k < static_cast<int32_t>(zk.vecDC.size())) {
-    return zk.vecDC[static_cast<std::size_t>(k)].dTopGC;
-  }
-  return zk.vecDC.back().dBotGC;
+  const auto n = static_cast<int32_t>(zk.vecDC.size());
+  return k < n ? zk.vecDC[static_cast<std::size_t>(k)].dTopGC : zk.vecDC.back().dBotGC;
 }
 
 inline CXk3DPoint On(const DataType::_sZK& zk, double z) {
@@ -82,45 +75,32 @@ inline DataType::_sLinkRegion MakeRegion(const DataType::_sZK& zk1, const DataTy
   return r;
 }
 
-inline bool SameValue(double a, double b) {
-  return a == b || (std::isnan(a) && std::isnan(b));
-}
-
 // Exact equality of two points; two not-a-number coordinates count as equal.
 inline ::testing::AssertionResult SamePoint(const CXk3DPoint& a, const CXk3DPoint& b) {
-  if (SameValue(a.x, b.x) && SameValue(a.y, b.y) && SameValue(a.z, b.z)) {
+  const auto same = [](double u, double v) { return u == v || (std::isnan(u) && std::isnan(v)); };
+  if (same(a.x, b.x) && same(a.y, b.y) && same(a.z, b.z)) {
     return ::testing::AssertionSuccess();
   }
   return ::testing::AssertionFailure() << "(" << a.x << ", " << a.y << ", " << a.z << ") vs ("
                                        << b.x << ", " << b.y << ", " << b.z << ")";
 }
 
-#define EXPECT_POINT(actual, ex, ey, ez)                                                           \
-  do {                                                                                             \
-    const CXk3DPoint& p_ = (actual);                                                               \
-    EXPECT_NEAR(p_.x, (ex), 1e-9);                                                                 \
-    EXPECT_NEAR(p_.y, (ey), 1e-9);                                                                 \
-    EXPECT_NEAR(p_.z, (ez), 1e-9);                                                                 \
-  } while (false)
+inline ::testing::AssertionResult Near(const std::vector<double>& actual,
+                                       const std::vector<double>& expected) {
+  for (std::size_t i = 0; i < actual.size(); ++i) {
+    if (!(std::fabs(actual[i] - expected[i]) <= 1e-9)) {
+      return ::testing::AssertionFailure()
+             << "value " << i << ": " << actual[i] << " vs " << expected[i];
+    }
+  }
+  return ::testing::AssertionSuccess();
+}
 
-// Elevations of the four corners, in the order top and bottom on hole 1, top and bottom on hole 2.
-#define EXPECT_Z(region, top1, bot1, top2, bot2)                                                   \
-  do {                                                                                             \
-    const DataType::_sLinkRegion& z_ = (region);                                                   \
-    EXPECT_NEAR(z_.ptTop[0].z, (top1), 1e-9);                                                      \
-    EXPECT_NEAR(z_.ptBot[0].z, (bot1), 1e-9);                                                      \
-    EXPECT_NEAR(z_.ptTop[1].z, (top2), 1e-9);                                                      \
-    EXPECT_NEAR(z_.ptBot[1].z, (bot2), 1e-9);                                                      \
-  } while (false)
-
-#define EXPECT_RANGES(region, b1, e1, b2, e2)                                                      \
-  do {                                                                                             \
-    const DataType::_sLinkRegion& r_ = (region);                                                   \
-    EXPECT_EQ(r_.nBegin1, (b1));                                                                   \
-    EXPECT_EQ(r_.nEnd1, (e1));                                                                     \
-    EXPECT_EQ(r_.nBegin2, (b2));                                                                   \
-    EXPECT_EQ(r_.nEnd2, (e2));                                                                     \
-  } while (false)
+#define EXPECT_POINT(p, ex, ey, ez)                                                                \
+  EXPECT_TRUE(::xkltest::Near({(p).x, (p).y, (p).z}, {ex, ey, ez}))
+#define EXPECT_RANGES(r, b1, e1, b2, e2)                                                           \
+  EXPECT_EQ((std::vector<int32_t>{(r).nBegin1, (r).nEnd1, (r).nBegin2, (r).nEnd2}),                \
+            (std::vector<int32_t>{b1, e1, b2, e2}))
 
 // Bit-for-bit equality of two region trees, with the path of the first difference.
 inline ::testing::AssertionResult SameTree(const DataType::_sLinkRegion& a,
@@ -143,6 +123,13 @@ inline ::testing::AssertionResult SameTree(const DataType::_sLinkRegion& a,
     }
   }
   return ::testing::AssertionSuccess();
+}
+
+// A region with the given sub-regions, for building expected trees.
+inline DataType::_sLinkRegion With(DataType::_sLinkRegion r,
+                                   std::vector<DataType::_sLinkRegion> children) {
+  r.vecChild = std::move(children);
+  return r;
 }
 
 template <typename Visit> void ForEachRegion(const DataType::_sLinkRegion& r, const Visit& visit) {

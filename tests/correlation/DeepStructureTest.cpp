@@ -3,9 +3,7 @@
 #include "lines/Lines.h"
 
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <gtest/gtest.h>
-
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,11 +12,10 @@ namespace {
 
 using DataType::_sLinkRegion;
 using DataType::_sZK;
-using DataType::_sZKDC;
 
 // Strata 0.5 thick from the collar down; halves keep every elevation and sum exact.
 void AppendStratum(_sZK& zk, const std::wstring& code) {
-  _sZKDC dc;
+  DataType::_sZKDC dc;
   dc.strName = code;
   dc.dTopGC = zk.vecDC.empty() ? zk.dTopGC : zk.vecDC.back().dBotGC;
   dc.dBotGC = dc.dTopGC - 0.5;
@@ -39,19 +36,6 @@ std::size_t Depth(const _sLinkRegion& root) {
   return deepest;
 }
 
-// A chain of regions, each the only child of the one before.
-_sLinkRegion Chain(std::size_t depth) {
-  _sLinkRegion root;
-  _sLinkRegion* tip = &root;
-  for (std::size_t i = 0; i < depth; ++i) {
-    tip->vecChild.emplace_back();
-    tip = &tip->vecChild.back();
-    tip->nBegin1 = static_cast<int32_t>(i);
-    tip->strName = L"L";
-  }
-  return root;
-}
-
 TEST(DeepStructure, HundredThousandStrataOfNestedAndAlternatingCodes) {
   // Twenty envelopes N0 > N1 > ... > N19 nested around 99,960 strata alternating A and B, against
   // a hole that shares none of them: every envelope closes inside the one around it, and inside
@@ -59,7 +43,6 @@ TEST(DeepStructure, HundredThousandStrataOfNestedAndAlternatingCodes) {
   constexpr int kNesting = 20;
   constexpr int kStrata = 100000;
   _sZK deep;
-  deep.dTopGC = 0.0;
   for (int i = 0; i < kNesting; ++i) {
     AppendStratum(deep, L"N" + std::to_wstring(i));
   }
@@ -69,29 +52,32 @@ TEST(DeepStructure, HundredThousandStrataOfNestedAndAlternatingCodes) {
   for (int i = kNesting - 1; i >= 0; --i) {
     AppendStratum(deep, L"N" + std::to_wstring(i));
   }
-  ASSERT_EQ(deep.vecDC.size(), static_cast<std::size_t>(kStrata));
   _sZK single;
   single.dX = 40.0;
-  single.dTopGC = 0.0;
   AppendStratum(single, L"Z");
 
   _sLinkRegion root;
   LinkDc(deep, single, root);
-  // Root, the wedge of N0, the lenses N1..N19, the lens of the fused B (equal thickness sums let the
-  // later candidate win), and the lenses of A inside it.
+  // Root, the wedge of N0, the lenses N1..N19, the lens of the fused B (equal thickness sums let
+  // the later candidate win), and the lenses of A inside it.
   EXPECT_EQ(Depth(root), static_cast<std::size_t>(kNesting + 2));
-
   _sLinkRegion copy(root);
   EXPECT_EQ(Depth(copy), Depth(root));
-
   std::vector<DataType::_sLinkLine> lines;
   LinkDcLine(deep, single, lines);
   EXPECT_GT(lines.size(), static_cast<std::size_t>(kStrata / 2));
 }
 
 TEST(DeepStructure, TreeOfDepthHundredThousandIsCopiedAssignedWalkedAndReleased) {
+  // A chain of regions, each the only child of the one before.
   constexpr std::size_t kDepth = 100000;
-  _sLinkRegion tree = Chain(kDepth);
+  _sLinkRegion tree;
+  _sLinkRegion* tip = &tree;
+  for (std::size_t i = 0; i < kDepth; ++i) {
+    tip = &tip->vecChild.emplace_back();
+    tip->nBegin1 = static_cast<int32_t>(i);
+    tip->strName = L"L";
+  }
   _sLinkRegion copy(tree);
   EXPECT_EQ(Depth(copy), kDepth);
   _sLinkRegion assigned;
