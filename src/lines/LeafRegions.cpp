@@ -53,19 +53,18 @@ void AppendLeafLines(const _sLinkRegion& root, LineList& lines) {
   std::size_t leaves = 0;
   ForEachLeaf(root, stack, [&leaves](const _sLinkRegion&) { ++leaves; });
   lines.reserve(lines.size() + 2 * leaves);
-  ForEachLeaf(root, stack, [&lines](const _sLinkRegion& leaf) {
-    _sLinkLine& top = lines.emplace_back();
-    top.strUpName = leaf.strName;
-    top.nType = leaf.nType;
-    top.bBottom = false;
-    top.pt1 = leaf.ptTop[0];
-    top.pt2 = leaf.ptTop[1];
-    _sLinkLine& bottom = lines.emplace_back();
-    bottom.strUpName = leaf.strName;
-    bottom.nType = leaf.nType;
-    bottom.bBottom = true;
-    bottom.pt1 = leaf.ptBot[0];
-    bottom.pt2 = leaf.ptBot[1];
+  const auto append = [&lines](const _sLinkRegion& leaf, const CXk3DPoint& pt1,
+                               const CXk3DPoint& pt2, bool bottom) {
+    _sLinkLine& line = lines.emplace_back();
+    line.strUpName = leaf.strName;
+    line.nType = leaf.nType;
+    line.bBottom = bottom;
+    line.pt1 = pt1;
+    line.pt2 = pt2;
+  };
+  ForEachLeaf(root, stack, [&append](const _sLinkRegion& leaf) {
+    append(leaf, leaf.ptTop[0], leaf.ptTop[1], false);
+    append(leaf, leaf.ptBot[0], leaf.ptBot[1], true);
   });
 }
 
