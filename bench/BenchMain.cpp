@@ -116,9 +116,21 @@ void PrintSummary(const std::map<std::string, Measured>& m) {
 } // namespace
 
 int main(int argc, char** argv) {
+  // Machine-readable output (--benchmark_format=json or csv) stays as Google Benchmark writes it.
+  bool console = true;
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    console = console && (argument.rfind("--benchmark_format=", 0) != 0 ||
+                          argument == "--benchmark_format=console");
+  }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
     return 1;
+  }
+  if (!console) {
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
   }
   SummaryReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);

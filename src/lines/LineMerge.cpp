@@ -43,141 +43,15 @@ struct Cell {
 
 int64_t CellOf(double z) { return static_cast<int64_t>(std::floor(z * kCellsPerUnit)); }
 
-// The walk from the last line to the first, each line looking for the nearest earlier line that is
-// the same, with lines taken out as they merge (their flag in `alive` cleared). Positions in the
-// vector are replaced by the lines' original indices: removals keep the order of the others.
-class LineMerger {
-public:
-  LineMerger(LineList& lines, std::vector<uint8_t>& alive) : m_lines(lines), m_alive(alive) {
-    m_previous.resize(lines.size());
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-      m_previous[i] = static_cast<std::ptrdiff_t>(i) - 1;
-    }
-    m_next.resize(lines.size());
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-      m_next[i] = i + 1;
-    }
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-      if (HasNaN(lines[i])) {
-        continue; // a NaN coordinate equals nothing, not even itself
-      }
-      if (OnGrid(lines[i])) {
-        m_grid.push_back({CellOf(lines[i].pt1.z), CellOf(lines[i].pt2.z), i});
-      } else {
-        m_offGrid.push_back(i);
-      }
-    }
-    std::sort(m_grid.begin(), m_grid.end());
-  }
-
-  void Run() {
-    std::ptrdiff_t cursor = static_cast<std::ptrdiff_t>(m_lines.size()) - 1;
-    while (cursor >= 0) {
-      const auto i = static_cast<std::size_t>(cursor);
-      const std::ptrdiff_t found = NearestSameBefore(i);
-      if (found < 0) {
-        cursor = m_previous[i];
-        continue;
-      }
-      const auto j = static_cast<std::size_t>(found);
-      if (m_lines[i].bBottom) {
-        // A region's bottom survives and takes the name of the region below it; it is examined
-        // once more, so it may absorb a further coinciding line.
-        m_lines[i].strDownName = m_lines[j].strUpName;
-        Remove(j);
-      } else {
-        m_lines[j].strDownName = m_lines[i].strUpName;
-        Remove(i);
-        cursor = m_previous[i];
-      }
-    }
-  }
-
-private:
-  void Remove(std::size_t i) {
-    m_alive[i] = 0;
-    if (m_next[i] < m_lines.size()) {
-      m_previous[m_next[i]] = m_previous[i];
-    }
-    if (m_previous[i] >= 0) {
-      m_next[static_cast<std::size_t>(m_previous[i])] = m_next[i];
-    }
-  }
-
-  bool Matches(std::size_t candidate, std::size_t i) const {
-    return candidate < i && m_alive[candidate] && m_lines[candidate].IsSame(m_lines[i]);
-  }
-
-  std::ptrdiff_t NearestSameBefore(std::size_t i) const {
-    const _sLinkLine& line = m_lines[i];
-    if (HasNaN(line)) {
-      return -1;
-    }
-    std::ptrdiff_t best = -1;
-    const auto consider = [&](std::size_t candidate) {
-      if (static_cast<std::ptrdiff_t>(candidate) > best && Matches(candidate, i)) {
-        best = static_cast<std::ptrdiff_t>(candidate);
-      }
-    };
-    if (!OnGrid(line)) {
-      for (std::size_t c = i; c-- > 0;) {
-        if (Matches(c, i)) {
-          return static_cast<std::ptrdiff_t>(c);
-        }
-      }
-      return -1;
-    }
-    for (const std::size_t c : m_offGrid) {
-      consider(c);
-    }
-    const int64_t z1 = CellOf(line.pt1.z);
-    const int64_t z2 = CellOf(line.pt2.z);
-    for (int64_t d1 = -1; d1 <= 1; ++d1) {
-      for (int64_t d2 = -1; d2 <= 1; ++d2) {
-        // Lines of one cell stand in increasing index: walk down from i.
-        auto it = std::lower_bound(m_grid.begin(), m_grid.end(), Cell{z1 + d1, z2 + d2, i});
-        while (it != m_grid.begin()) {
-          --it;
-          if (it->z1 != z1 + d1 || it->z2 != z2 + d2 ||
-              static_cast<std::ptrdiff_t>(it->line) <= best) {
-            break;
-          }
-          if (Matches(it->line, i)) {
-            best = static_cast<std::ptrdiff_t>(it->line);
-            break;
-          }
-        }
-      }
-    }
-    return best;
-  }
-
-  LineList& m_lines;
-  std::vector<uint8_t>& m_alive;
-  std::vector<std::ptrdiff_t> m_previous;
-  std::vector<std::size_t> m_next;
-  std::vector<Cell> m_grid;
-  std::vector<std::size_t> m_offGrid;
-};
-
-// Whether two elevations certainly differ beyond the tolerance: a quick test that spares most
-// full comparisons, since lines of one section differ mostly in elevation.
-bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a != b; }
-
-constexpr std::size_t kScanLimit = 96;
-
-// The same walk for the few dozen lines of a typical pair, where scanning beats building a grid.
-// The elevations of the ends stand side by side for the scan, and the lines still in the walk are
-// linked, so that lines taken out are not met again.
-void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
+// The walk from the last line to the first: each line looks for the nearest earlier line still in
+// the walk that is the same (nearest(i) answers its index, or -1), and of the two the region's
+// bottom survives. The lines still in the walk are linked (previous, next), so that lines taken out
+// are not met again; taking one out clears its flag in `alive`.
+template <class Nearest>
+void WalkSameLines(LineList& lines, std::vector<uint8_t>& alive, int32_t* previous, int32_t* next,
+                   Nearest&& nearest) {
   const auto count = static_cast<int32_t>(lines.size());
-  double z1[kScanLimit];
-  double z2[kScanLimit];
-  int32_t previous[kScanLimit];
-  int32_t next[kScanLimit];
   for (int32_t k = 0; k < count; ++k) {
-    z1[k] = lines[static_cast<std::size_t>(k)].pt1.z;
-    z2[k] = lines[static_cast<std::size_t>(k)].pt2.z;
     previous[k] = k - 1;
     next[k] = k + 1;
   }
@@ -192,11 +66,7 @@ void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
   };
   int32_t i = count - 1;
   while (i >= 0) {
-    int32_t j = previous[i];
-    while (j >= 0 && (ClearlyApart(z1[j], z1[i]) || ClearlyApart(z2[j], z2[i]) ||
-                      !lines[static_cast<std::size_t>(j)].IsSame(lines[static_cast<std::size_t>(i)]))) {
-      j = previous[j];
-    }
+    const int32_t j = nearest(i);
     if (j < 0) {
       i = previous[i];
       continue;
@@ -216,13 +86,118 @@ void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
   }
 }
 
+// The lines of many regions by the cells of their end elevations, for finding a line's equals.
+class LineGrid {
+public:
+  explicit LineGrid(const LineList& lines) : m_lines(lines) {
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      if (HasNaN(lines[i])) {
+        continue; // a NaN coordinate equals nothing, not even itself
+      }
+      if (OnGrid(lines[i])) {
+        m_grid.push_back({CellOf(lines[i].pt1.z), CellOf(lines[i].pt2.z), i});
+      } else {
+        m_offGrid.push_back(i);
+      }
+    }
+    std::sort(m_grid.begin(), m_grid.end());
+  }
+
+  // The nearest line before i that is still in the walk and the same as line i, or -1.
+  int32_t NearestSameBefore(std::size_t i, const std::vector<uint8_t>& alive) const {
+    const _sLinkLine& line = m_lines[i];
+    if (HasNaN(line)) {
+      return -1;
+    }
+    const auto matches = [&](std::size_t candidate) {
+      return candidate < i && alive[candidate] && m_lines[candidate].IsSame(line);
+    };
+    if (!OnGrid(line)) {
+      for (std::size_t c = i; c-- > 0;) {
+        if (matches(c)) {
+          return static_cast<int32_t>(c);
+        }
+      }
+      return -1;
+    }
+    std::ptrdiff_t best = -1;
+    for (const std::size_t c : m_offGrid) {
+      if (static_cast<std::ptrdiff_t>(c) > best && matches(c)) {
+        best = static_cast<std::ptrdiff_t>(c);
+      }
+    }
+    const int64_t z1 = CellOf(line.pt1.z);
+    const int64_t z2 = CellOf(line.pt2.z);
+    for (int64_t d1 = -1; d1 <= 1; ++d1) {
+      for (int64_t d2 = -1; d2 <= 1; ++d2) {
+        // Lines of one cell stand in increasing index: walk down from i.
+        auto it = std::lower_bound(m_grid.begin(), m_grid.end(), Cell{z1 + d1, z2 + d2, i});
+        while (it != m_grid.begin()) {
+          --it;
+          if (it->z1 != z1 + d1 || it->z2 != z2 + d2 ||
+              static_cast<std::ptrdiff_t>(it->line) <= best) {
+            break;
+          }
+          if (matches(it->line)) {
+            best = static_cast<std::ptrdiff_t>(it->line);
+            break;
+          }
+        }
+      }
+    }
+    return static_cast<int32_t>(best);
+  }
+
+private:
+  const LineList& m_lines;
+  std::vector<Cell> m_grid;
+  std::vector<std::size_t> m_offGrid;
+};
+
+// Whether two elevations certainly differ beyond the tolerance: a quick test that spares most
+// full comparisons, since lines of one section differ mostly in elevation.
+bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a != b; }
+
+// Up to this many lines (those of a typical pair) scanning beats building a grid.
+constexpr std::size_t kScanLimit = 96;
+
+// The walk over few lines: the elevations of the ends stand side by side for the scan.
+void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
+  const std::size_t count = lines.size();
+  double z1[kScanLimit];
+  double z2[kScanLimit];
+  int32_t previous[kScanLimit];
+  int32_t next[kScanLimit];
+  for (std::size_t k = 0; k < count; ++k) {
+    z1[k] = lines[k].pt1.z;
+    z2[k] = lines[k].pt2.z;
+  }
+  WalkSameLines(lines, alive, previous, next, [&](int32_t i) {
+    int32_t j = previous[i];
+    while (j >= 0 && (ClearlyApart(z1[j], z1[i]) || ClearlyApart(z2[j], z2[i]) ||
+                      !lines[static_cast<std::size_t>(j)].IsSame(lines[static_cast<std::size_t>(i)]))) {
+      j = previous[j];
+    }
+    return j;
+  });
+}
+
+void MarkSameLinesOnGrid(LineList& lines, std::vector<uint8_t>& alive) {
+  const LineGrid grid(lines);
+  std::vector<int32_t> previous(lines.size());
+  std::vector<int32_t> next(lines.size());
+  WalkSameLines(lines, alive, previous.data(), next.data(), [&](int32_t i) {
+    return grid.NearestSameBefore(static_cast<std::size_t>(i), alive);
+  });
+}
+
 // Merges coinciding lines: names set, the lines taken out flagged 0 in `alive`; clears bBottom.
 void MarkSameLines(LineList& lines, std::vector<uint8_t>& alive) {
   alive.assign(lines.size(), 1);
   if (lines.size() <= kScanLimit) {
     MarkSameLinesByScan(lines, alive);
   } else {
-    LineMerger(lines, alive).Run();
+    MarkSameLinesOnGrid(lines, alive);
   }
   for (_sLinkLine& line : lines) {
     line.bBottom = false;
