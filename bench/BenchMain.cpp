@@ -36,7 +36,7 @@ double Seconds(double time, benchmark::TimeUnit unit) {
 class SummaryReporter : public benchmark::ConsoleReporter {
 public:
   // Colours only on a terminal, as Google Benchmark's own main does.
-  SummaryReporter() : ConsoleReporter(isatty(fileno(stdout)) ? OO_ColorTabular : OO_Tabular) {}
+  SummaryReporter() : ConsoleReporter(isatty(fileno(stdout)) ? OO_Color : OO_None) {}
 
   void ReportRuns(const std::vector<Run>& runs) override {
     benchmark::ConsoleReporter::ReportRuns(runs);
