@@ -60,15 +60,19 @@ inline std::vector<std::string> Messages(const std::vector<Diagnostic>& diagnost
   return out;
 }
 
-// The what() of the ParseError that `action` throws; a test failure when it throws none.
-inline std::string ParseErrorOf(const std::function<void()>& action) {
+// The what() of the Error that `action` throws; a test failure when it throws none.
+template <class Error> std::string ErrorOf(const std::function<void()>& action) {
   try {
     action();
-  } catch (const ParseError& error) {
+  } catch (const Error& error) {
     return error.what();
   }
-  ADD_FAILURE() << "no ParseError thrown";
+  ADD_FAILURE() << "no error of the expected kind thrown";
   return {};
+}
+
+inline std::string ParseErrorOf(const std::function<void()>& action) {
+  return ErrorOf<ParseError>(action);
 }
 
 // The text with a byte order mark, and CRLF for every LF.

@@ -127,14 +127,8 @@ TEST(SectionSpacingTest, ConsecutiveHolesWithinAMillimetreAreAnError) {
   EXPECT_TRUE(CheckSectionSpacing({West(), East(), West()}).empty());
 }
 
-template <class Action> std::string SelectionErrorOf(Action action) {
-  try {
-    action();
-  } catch (const SelectionError& error) {
-    return error.what();
-  }
-  ADD_FAILURE() << "no SelectionError";
-  return {};
+std::string SelectionErrorOf(const std::function<void()>& action) {
+  return testing::ErrorOf<SelectionError>(action);
 }
 
 TEST(SplitHoleListTest, SplitsAndTrimsAndRefusesEmptyNames) {
