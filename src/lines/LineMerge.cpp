@@ -161,7 +161,9 @@ bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a !
 // Up to this many lines (those of a typical pair) scanning beats building a grid.
 constexpr std::size_t kScanLimit = 96;
 
-// The walk over few lines: the elevations of the ends stand side by side for the scan.
+// The walk over few lines: the elevations of the ends stand side by side, and the scan runs over
+// all earlier lines in turn rather than along the links of those still in the walk, so that no
+// step waits for the one before it; the lines taken out are passed over by their flag.
 void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
   const std::size_t count = lines.size();
   double z1[kScanLimit];
@@ -173,12 +175,16 @@ void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
     z2[k] = lines[k].pt2.z;
   }
   WalkSameLines(lines, alive, previous, next, [&](int32_t i) {
-    int32_t j = previous[i];
-    while (j >= 0 && (ClearlyApart(z1[j], z1[i]) || ClearlyApart(z2[j], z2[i]) ||
-                      !lines[static_cast<std::size_t>(j)].IsSame(lines[static_cast<std::size_t>(i)]))) {
-      j = previous[j];
+    const auto at = static_cast<std::size_t>(i);
+    for (std::size_t j = at; j-- > 0;) {
+      if (ClearlyApart(z1[j], z1[at]) || ClearlyApart(z2[j], z2[at])) {
+        continue;
+      }
+      if (alive[j] != 0 && lines[j].IsSame(lines[at])) {
+        return static_cast<int32_t>(j);
+      }
     }
-    return j;
+    return int32_t{-1};
   });
 }
 
