@@ -123,11 +123,11 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
   }
   const auto row = [](const DcPair& pair) { return pair.nDC1; };
   const auto column = [](const DcPair& pair) { return pair.nDC2; };
-  _sLinkRegion sub;
   for (std::size_t p = 0; p < pairs.size(); ++p) {
     if (pairs[p].bDrop) {
       continue; // consumed by an earlier sub-region
     }
+    _sLinkRegion& sub = out.emplace_back();
     sub.nType = 0;
     sub.bNamed = true;
     sub.strName = state.zk1.vecDC[Index(pairs[p].nDC1)].strName;
@@ -160,7 +160,6 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
                               GetBoundaryGC(state.zk1, sub.nEnd1));
     sub.ptBot[1] = CXk3DPoint(region.ptBot[1].x, region.ptBot[1].y,
                               GetBoundaryGC(state.zk2, sub.nEnd2));
-    out.push_back(sub);
   }
 }
 

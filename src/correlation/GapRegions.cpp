@@ -13,9 +13,15 @@ bool CarriesCode(const std::vector<int32_t>& codeIds, int32_t index, int32_t cod
          codeIds[static_cast<std::size_t>(index)] == code;
 }
 
-// Appends one gap whose corners are taken whole from the boundaries that enclose it.
-void AppendGap(_sLinkRegion& gap, int32_t nBegin1, int32_t nEnd1, int32_t nBegin2, int32_t nEnd2,
-               const CXk3DPoint (&top)[2], const CXk3DPoint (&bot)[2], RegionList& gaps) {
+// Appends one gap of the region whose corners are taken whole from the boundaries that enclose
+// it. A gap of a named region is still inside that envelope and is closed as one.
+void AppendGap(const _sLinkRegion& region, int32_t nBegin1, int32_t nEnd1, int32_t nBegin2,
+               int32_t nEnd2, const CXk3DPoint (&top)[2], const CXk3DPoint (&bot)[2],
+               RegionList& gaps) {
+  _sLinkRegion& gap = gaps.emplace_back();
+  gap.nType = 0;
+  gap.bNamed = region.bNamed;
+  gap.strName = region.strName;
   gap.nBegin1 = nBegin1;
   gap.nEnd1 = nEnd1;
   gap.nBegin2 = nBegin2;
@@ -24,7 +30,6 @@ void AppendGap(_sLinkRegion& gap, int32_t nBegin1, int32_t nEnd1, int32_t nBegin
   gap.ptTop[1] = top[1];
   gap.ptBot[0] = bot[0];
   gap.ptBot[1] = bot[1];
-  gaps.push_back(gap);
 }
 
 } // namespace
@@ -36,12 +41,6 @@ void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
   }
   const _sLinkRegion& first = children.front();
   const _sLinkRegion& last = children.back();
-
-  // A gap of a named region is still inside that envelope and is closed as one.
-  _sLinkRegion gap;
-  gap.nType = 0;
-  gap.bNamed = region.bNamed;
-  gap.strName = region.strName;
 
   // The envelope's own first stratum is the envelope, not part of the gap below it.
   const CodeIndex& codes = state.Codes();
@@ -58,12 +57,12 @@ void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
   }
 
   if (first.nBegin1 != i1 || first.nBegin2 != i2) {
-    AppendGap(gap, i1, first.nBegin1, i2, first.nBegin2, region.ptTop, first.ptTop, gaps);
+    AppendGap(region, i1, first.nBegin1, i2, first.nBegin2, region.ptTop, first.ptTop, gaps);
   }
   for (std::size_t k = 1; k < children.size(); ++k) {
     const _sLinkRegion& above = children[k - 1];
     const _sLinkRegion& below = children[k];
-    AppendGap(gap, above.nEnd1, below.nBegin1, above.nEnd2, below.nBegin2, above.ptBot,
+    AppendGap(region, above.nEnd1, below.nBegin1, above.nEnd2, below.nBegin2, above.ptBot,
               below.ptTop, gaps);
   }
 
@@ -89,7 +88,7 @@ void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
     }
   }
   if (last.nEnd1 != e1 || last.nEnd2 != e2) {
-    AppendGap(gap, last.nEnd1, e1, last.nEnd2, e2, last.ptBot, region.ptBot, gaps);
+    AppendGap(region, last.nEnd1, e1, last.nEnd2, e2, last.ptBot, region.ptBot, gaps);
   }
 }
 
