@@ -22,6 +22,13 @@ double SweepKey(double dDiffGC) {
   return std::isnan(dDiffGC) ? std::numeric_limits<double>::infinity() : dDiffGC;
 }
 
+// Where each pair stands in the sweep. Drops are kept here, in one byte a pair, and copied to the
+// pairs at the end: the pairs of long logs fill hundreds of megabytes, and marking them one by one
+// as the tree hands them out would touch a new page for nearly every drop.
+constexpr uint8_t kInTree = 1;  // in a row after the current one, not dropped
+constexpr uint8_t kLeft = 0;    // its row has been reached
+constexpr uint8_t kDropped = 2; // dropped while still in the tree
+
 constexpr double kNoKey = -std::numeric_limits<double>::infinity(); // greatest key of no pair
 constexpr double kBelowAllKeys = -1.0; // keys are absolute differences, never below 0
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -38,7 +45,7 @@ public:
     const std::size_t count = pairs.size();
     m.offset.assign(columnCount + 1, 0);
     for (std::size_t p = 0; p < count; ++p) {
-      if (m.live[p]) {
+      if (m.live[p] == kInTree) {
         ++m.offset[Index(pairs[p].nDC2 - lowestColumn) + 1];
       }
     }
@@ -49,7 +56,7 @@ public:
     m.lo.assign(m.offset.begin(), m.offset.end() - 1);
     m.hi.assign(m.offset.begin(), m.offset.end() - 1); // used as fill cursors first
     for (std::size_t p = 0; p < count; ++p) {
-      if (m.live[p]) {
+      if (m.live[p] == kInTree) {
         const std::size_t c = Index(pairs[p].nDC2 - lowestColumn);
         m.entries[Index(m.hi[c]++)] = {SweepKey(pairs[p].dDiffGC), static_cast<int32_t>(p)};
       }
@@ -72,7 +79,7 @@ public:
     }
   }
 
-  // The pair has left the structure (its flag in `live` is already cleared).
+  // The pair has left the structure (its state in `live` is no longer kInTree).
   void Leave(int32_t column) { Refresh(Index(column), true); }
 
   // Least live key among columns [0, end); +infinity when there is none.
@@ -110,7 +117,7 @@ private:
       const std::size_t c = node - m_size;
       while (m.hi[c] >= m.lo[c]) {
         const SweepEntry& entry = m.entries[Index(m.hi[c])];
-        if (m.live[Index(entry.pair)]) {
+        if (m.live[Index(entry.pair)] == kInTree) {
           if (entry.key < threshold) {
             break;
           }
@@ -134,10 +141,10 @@ private:
 
   // Skips pairs that have left at both ends of a column and stores its least and greatest key.
   void Refresh(std::size_t c, bool propagate) {
-    while (m.lo[c] <= m.hi[c] && !m.live[Index(m.entries[Index(m.lo[c])].pair)]) {
+    while (m.lo[c] <= m.hi[c] && m.live[Index(m.entries[Index(m.lo[c])].pair)] != kInTree) {
       ++m.lo[c];
     }
-    while (m.hi[c] >= m.lo[c] && !m.live[Index(m.entries[Index(m.hi[c])].pair)]) {
+    while (m.hi[c] >= m.lo[c] && m.live[Index(m.entries[Index(m.hi[c])].pair)] != kInTree) {
       --m.hi[c];
     }
     std::size_t node = m_size + c;
@@ -197,7 +204,7 @@ void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
   std::vector<uint8_t>& live = buffers.live;
   live.resize(pairs.size());
   for (std::size_t p = 0; p < pairs.size(); ++p) {
-    live[p] = pairs[p].bDrop ? 0 : 1;
+    live[p] = pairs[p].bDrop ? kDropped : kInTree;
   }
   ColumnTree tree(pairs, lowest, Index(highest - lowest + 1), buffers);
 
@@ -210,13 +217,13 @@ void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
       ++rowEnd;
     }
     for (std::size_t p = rowBegin; p < rowEnd; ++p) {
-      if (live[p]) {
-        live[p] = 0;
+      if (live[p] == kInTree) {
+        live[p] = kLeft;
         tree.Leave(pairs[p].nDC2 - lowest);
       }
     }
     for (std::size_t a = rowBegin; a < rowEnd; ++a) {
-      if (pairs[a].bDrop) {
+      if (live[a] == kDropped) {
         continue;
       }
       // The later pairs that cross a lie in later rows and in earlier columns.
@@ -226,12 +233,15 @@ void DropCrossingPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers) {
       if (!aIsNan && tree.MinKey(end) < key) {
         pairs[a].bDrop = true;
       }
-      tree.DropFrom(end, aIsNan ? kBelowAllKeys : key, [&pairs, &live](int32_t b) {
-        pairs[Index(b)].bDrop = true;
-        live[Index(b)] = 0;
-      });
+      tree.DropFrom(end, aIsNan ? kBelowAllKeys : key,
+                    [&live](int32_t b) { live[Index(b)] = kDropped; });
     }
     rowBegin = rowEnd;
+  }
+  for (std::size_t p = 0; p < pairs.size(); ++p) {
+    if (live[p] == kDropped) {
+      pairs[p].bDrop = true;
+    }
   }
 }
 

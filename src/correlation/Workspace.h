@@ -20,7 +20,7 @@ struct SweepEntry {
 
 // Buffers of the crossing sweep over the pairs of equal strata.
 struct SweepBuffers {
-  std::vector<uint8_t> live;       // the pair is in the tree
+  std::vector<uint8_t> live;       // per pair: in the tree, left it, or dropped
   std::vector<int32_t> offset;     // first entry of each column
   std::vector<SweepEntry> entries; // pairs by column, each column sorted by key
   std::vector<int32_t> lo;         // first live entry of each column
