@@ -180,9 +180,11 @@ namespace XKLinkDc {
 struct CorrelationState;
 
 // A correlation with its own state, owned by the caller: two contexts may run at the same time on
-// different threads. Results are identical to LinkDc and LinkDcLine. Between calls a context keeps
-// the copies of its last two boreholes and up to 64 MB of working storage, so that the next pair of
-// a section starts warm; destroy it to give the memory back.
+// different threads. Results are identical to LinkDc and LinkDcLine. A context reads the two
+// boreholes in place during a call, without copying them, and refers to them no more once the call
+// has returned; the caller must not change them while the call runs. Between calls a context keeps
+// up to 64 MB of working storage, so that the next pair of a section starts warm; destroy it to
+// give the memory back.
 class XKLINKDC_API CorrelationContext {
 public:
   CorrelationContext();

@@ -12,7 +12,7 @@ namespace {
 // slot 0 and the tip in slot 1; readers of the tree know a lens by its kind and its -1/-1 range.
 void AppendLenses(const CorrelationState& state, const _sLinkRegion& region, int32_t regionCode,
                   const std::vector<DcRun>& runs, bool side, RegionList& out) {
-  const _sZK& zk = side ? state.zk1 : state.zk2;
+  const _sZK& zk = side ? state.Zk1() : state.Zk2();
   for (const DcRun& run : runs) {
     if (run.nCode == regionCode) {
       continue;

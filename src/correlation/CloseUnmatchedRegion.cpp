@@ -11,8 +11,8 @@ namespace {
 // side the run belongs to (true: borehole 1).
 void FillWedge(const CorrelationState& state, const _sLinkRegion& region, const DcRun& run,
                int32_t tip, bool own, _sLinkRegion& wedge) {
-  const _sZK& ownZk = own ? state.zk1 : state.zk2;
-  const _sZK& otherZk = own ? state.zk2 : state.zk1;
+  const _sZK& ownZk = own ? state.Zk1() : state.Zk2();
+  const _sZK& otherZk = own ? state.Zk2() : state.Zk1();
   const int o = own ? 0 : 1; // corner slot on the run's borehole
   const int t = own ? 1 : 0; // corner slot on the other borehole
   wedge.nType = 2;

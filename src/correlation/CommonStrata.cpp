@@ -66,12 +66,12 @@ void CollectPairs(const CorrelationState& state, const _sLinkRegion& region,
     if (id == excluded) {
       continue;
     }
-    const double mid1 = MidElevation(state.zk1.vecDC[Index(i)]);
+    const double mid1 = MidElevation(state.Zk1().vecDC[Index(i)]);
     for (int32_t j = work.firstOfCode[Index(id)]; j >= 0; j = work.nextOfCode[Index(j)]) {
       DcPair pair;
       pair.nDC1 = i;
       pair.nDC2 = j;
-      pair.dDiffGC = std::fabs(mid1 - MidElevation(state.zk2.vecDC[Index(j)]));
+      pair.dDiffGC = std::fabs(mid1 - MidElevation(state.Zk2().vecDC[Index(j)]));
       pairs.push_back(pair);
     }
   }
@@ -130,7 +130,7 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
     _sLinkRegion& sub = out.emplace_back();
     sub.nType = 0;
     sub.bNamed = true;
-    sub.strName = state.zk1.vecDC[Index(pairs[p].nDC1)].strName;
+    sub.strName = state.Zk1().vecDC[Index(pairs[p].nDC1)].strName;
     int32_t i1 = pairs[p].nDC1;
     int32_t i2 = pairs[p].nDC2;
     sub.nBegin1 = Normalised(i1);
@@ -153,13 +153,13 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
     sub.nEnd1 = Normalised(i1 + 1);
     sub.nEnd2 = Normalised(i2 + 1);
     sub.ptTop[0] = CXk3DPoint(region.ptTop[0].x, region.ptTop[0].y,
-                              GetBoundaryGC(state.zk1, sub.nBegin1));
+                              GetBoundaryGC(state.Zk1(), sub.nBegin1));
     sub.ptTop[1] = CXk3DPoint(region.ptTop[1].x, region.ptTop[1].y,
-                              GetBoundaryGC(state.zk2, sub.nBegin2));
+                              GetBoundaryGC(state.Zk2(), sub.nBegin2));
     sub.ptBot[0] = CXk3DPoint(region.ptBot[0].x, region.ptBot[0].y,
-                              GetBoundaryGC(state.zk1, sub.nEnd1));
+                              GetBoundaryGC(state.Zk1(), sub.nEnd1));
     sub.ptBot[1] = CXk3DPoint(region.ptBot[1].x, region.ptBot[1].y,
-                              GetBoundaryGC(state.zk2, sub.nEnd2));
+                              GetBoundaryGC(state.Zk2(), sub.nEnd2));
   }
 }
 

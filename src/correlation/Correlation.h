@@ -19,16 +19,25 @@ struct Workspace;
 namespace XKLinkDc {
 
 // The two boreholes of one correlation and their plan distance. LinkDc uses the single
-// module-wide instance (g_zk1, g_zk2, g_dDist alias its members); CorrelationContext owns its own.
+// module-wide instance (g_zk1, g_zk2, g_dDist alias its members), which keeps copies of the
+// boreholes; CorrelationContext owns its own and reads the caller's boreholes in place for the
+// length of a call. The correlation reads the boreholes through Zk1() and Zk2() only.
 struct CorrelationState {
-  DataType::_sZK zk1;
+  DataType::_sZK zk1; // the state's own copies, read unless Borrow() points elsewhere
   DataType::_sZK zk2;
   double dDist = 0.0;
 
   CorrelationState();
-  CorrelationState(const CorrelationState& other); // the boreholes and distance only
+  CorrelationState(const CorrelationState& other); // the own copies and distance only
   CorrelationState& operator=(const CorrelationState& other);
   ~CorrelationState();
+
+  const DataType::_sZK& Zk1() const { return *m_zk1; }
+  const DataType::_sZK& Zk2() const { return *m_zk2; }
+  // Reads two boreholes held by the caller, who keeps them unchanged until Release().
+  void Borrow(const DataType::_sZK& a, const DataType::_sZK& b);
+  // Back to the own copies: nothing refers to the caller's boreholes any more.
+  void Release();
 
   // The codes of zk1 and zk2 interned, built on first use after the boreholes were set.
   const xkl::CodeIndex& Codes() const;
@@ -40,6 +49,8 @@ struct CorrelationState {
   void ReleaseWork() const;
 
 private:
+  const DataType::_sZK* m_zk1 = &zk1;
+  const DataType::_sZK* m_zk2 = &zk2;
   mutable xkl::CodeIndex m_codes;
   mutable bool m_codesBuilt = false;
   mutable std::unique_ptr<xkl::Workspace> m_work;
@@ -61,12 +72,17 @@ extern _sZK& g_zk1;
 extern _sZK& g_zk2;
 extern double& g_dDist;
 
-// Runs a whole correlation on the given state: copies the boreholes, computes the plan distance,
+// How a correlation holds its two boreholes: the module-wide state keeps copies that outlive the
+// call; a context reads the caller's in place.
+enum class Boreholes { Copied, Borrowed };
+
+// Runs a whole correlation on the given state: takes the boreholes, computes the plan distance,
 // initialises the root and walks the tree.
-void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root);
+void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root,
+               Boreholes boreholes);
 // Runs LinkDc on a root of its own and appends the finished section lines.
 void RunLinkDcLine(CorrelationState& state, const _sZK& zk1, const _sZK& zk2,
-                   std::vector<DataType::_sLinkLine>& lines);
+                   std::vector<DataType::_sLinkLine>& lines, Boreholes boreholes);
 
 // Elevation of the boundary above stratum k: the top of stratum k, or below the last stratum its
 // bottom. A borehole without strata has every boundary at its collar.

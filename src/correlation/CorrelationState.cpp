@@ -14,7 +14,7 @@ XKLinkDc::CorrelationState::operator=(const CorrelationState& other) {
     zk1 = other.zk1;
     zk2 = other.zk2;
     dDist = other.dDist;
-    m_codesBuilt = false;
+    Release();
   }
   return *this;
 }
@@ -52,9 +52,21 @@ void XKLinkDc::CorrelationState::ReleaseWork() const {
   }
 }
 
+void XKLinkDc::CorrelationState::Borrow(const DataType::_sZK& a, const DataType::_sZK& b) {
+  m_zk1 = &a;
+  m_zk2 = &b;
+  m_codesBuilt = false;
+}
+
+void XKLinkDc::CorrelationState::Release() {
+  m_zk1 = &zk1;
+  m_zk2 = &zk2;
+  m_codesBuilt = false;
+}
+
 const xkl::CodeIndex& XKLinkDc::CorrelationState::Codes() const {
   if (!m_codesBuilt) {
-    m_codes.Rebuild(zk1, zk2);
+    m_codes.Rebuild(*m_zk1, *m_zk2);
     m_codesBuilt = true;
   }
   return m_codes;

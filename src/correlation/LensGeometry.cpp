@@ -67,8 +67,8 @@ int32_t IntersectCollinear(const CXk3DPoint& p1, const CXk3DPoint& q0, const CXk
 
 CXk3DPoint GetLensTip(const CorrelationState& state, const _sLinkRegion& region,
                       const CXk3DPoint& mid, bool side) {
-  const _sZK& own = side ? state.zk1 : state.zk2;
-  const _sZK& other = side ? state.zk2 : state.zk1;
+  const _sZK& own = side ? state.Zk1() : state.Zk2();
+  const _sZK& other = side ? state.Zk2() : state.Zk1();
   const double ox = own.dX;
   const double oy = own.dY;
 

@@ -49,8 +49,8 @@ void ProcessRegion(const CorrelationState& state, _sLinkRegion& region, bool bSu
 } // namespace
 
 void InitRootRegion(const CorrelationState& state, _sLinkRegion& root) {
-  const _sZK& zk1 = state.zk1;
-  const _sZK& zk2 = state.zk2;
+  const _sZK& zk1 = state.Zk1();
+  const _sZK& zk2 = state.Zk2();
   root.nType = 0;
   root.bNamed = false;
   root.strName = L"";
@@ -139,15 +139,23 @@ void SplitAndCloseRegion(const CorrelationState& state, const _sLinkRegion& regi
   }
 }
 
-void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root) {
-  state.zk1 = zk1;
-  state.zk2 = zk2;
-  state.ForgetCodes();
-  const double dy = state.zk1.dY - state.zk2.dY;
-  const double dx = state.zk1.dX - state.zk2.dX;
+void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root,
+               Boreholes boreholes) {
+  if (boreholes == Boreholes::Copied) {
+    state.zk1 = zk1;
+    state.zk2 = zk2;
+    state.Release();
+  } else {
+    state.Borrow(zk1, zk2);
+  }
+  const double dy = state.Zk1().dY - state.Zk2().dY;
+  const double dx = state.Zk1().dX - state.Zk2().dX;
   state.dDist = std::sqrt(dy * dy + dx * dx);
   InitRootRegion(state, root);
   LinkRegion(state, root, false);
+  if (boreholes == Boreholes::Borrowed) {
+    state.Release();
+  }
   // The buffers of a long log would otherwise stay with the module until the next call.
   state.ReleaseWork();
 }
@@ -156,5 +164,5 @@ void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLink
 
 extern "C" void LinkDc(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                        DataType::_sLinkRegion& root) {
-  xkl::RunLinkDc(xkl::g_state, zk1, zk2, root);
+  xkl::RunLinkDc(xkl::g_state, zk1, zk2, root, xkl::Boreholes::Copied);
 }

@@ -27,7 +27,7 @@ void BuildDcRunList(const CorrelationState& state, DcRunList& list, const _sLink
                     bool side) {
   const CodeIndex& codes = state.Codes();
   list.pRegion = &region;
-  list.pZK = side ? &state.zk1 : &state.zk2;
+  list.pZK = side ? &state.Zk1() : &state.Zk2();
   list.pState = &state;
   list.nRegionCode = codes.IdOf(region.strName);
   list.vecRun.clear();

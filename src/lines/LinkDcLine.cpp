@@ -5,9 +5,10 @@
 
 namespace xkl {
 
-void RunLinkDcLine(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, LineList& lines) {
+void RunLinkDcLine(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, LineList& lines,
+                   Boreholes boreholes) {
   _sLinkRegion root;
-  RunLinkDc(state, zk1, zk2, root);
+  RunLinkDc(state, zk1, zk2, root, boreholes);
   AppendLeafLines(root, lines);
   FinishLines(lines);
 }
@@ -16,5 +17,5 @@ void RunLinkDcLine(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, Li
 
 void LinkDcLine(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                 std::vector<DataType::_sLinkLine>& lines) {
-  xkl::RunLinkDcLine(xkl::g_state, zk1, zk2, lines);
+  xkl::RunLinkDcLine(xkl::g_state, zk1, zk2, lines, xkl::Boreholes::Copied);
 }

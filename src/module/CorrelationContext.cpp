@@ -9,18 +9,18 @@ CorrelationContext::~CorrelationContext() = default;
 
 void CorrelationContext::LinkDc(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                                 DataType::_sLinkRegion& root) {
-  xkl::RunLinkDc(*m_state, zk1, zk2, root);
+  xkl::RunLinkDc(*m_state, zk1, zk2, root, xkl::Boreholes::Borrowed);
 }
 
 void CorrelationContext::LinkDcLine(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                                     std::vector<DataType::_sLinkLine>& lines) {
-  xkl::RunLinkDcLine(*m_state, zk1, zk2, lines);
+  xkl::RunLinkDcLine(*m_state, zk1, zk2, lines, xkl::Boreholes::Borrowed);
 }
 
 void CorrelationContext::LinkDcTreeAndLines(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                                             DataType::_sLinkRegion& root,
                                             std::vector<DataType::_sLinkLine>& lines) {
-  xkl::RunLinkDc(*m_state, zk1, zk2, root);
+  xkl::RunLinkDc(*m_state, zk1, zk2, root, xkl::Boreholes::Borrowed);
   xkl::AppendLeafLines(root, lines);
   xkl::FinishLines(lines);
 }

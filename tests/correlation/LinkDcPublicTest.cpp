@@ -93,6 +93,39 @@ TEST(LinkDcTest, HoleWithoutStrataTakesEveryBoundaryAtItsCollar) {
   EXPECT_TRUE(lines.empty());
 }
 
+// A context reads the caller's boreholes in place: one context runs a whole section of pairs whose
+// holes are gone after each call (a dangling read would show under the sanitizers), and one hole
+// may stand on both sides. Every result equals the module-wide entry's.
+TEST(CorrelationContextTest, ReusedAcrossPairsWhoseHolesAreGoneAfterEachCall) {
+  XKLinkDc::CorrelationContext context;
+  std::mt19937_64 rng(20261124);
+  xktest::RandomBoreholeOptions opt;
+  opt.minStrata = 1;
+  opt.maxStrata = 30;
+  opt.codeCount = 5;
+  for (int k = 0; k < 40; ++k) {
+    DataType::_sLinkRegion viaContext;
+    DataType::_sLinkRegion expected;
+    Lines contextLines;
+    Lines expectedLines;
+    {
+      auto pair = xktest::RandomBoreholePair(rng, opt, 0.0, 0.1);
+      const DataType::_sZK& second = k % 8 == 7 ? pair.first : pair.second;
+      context.LinkDcTreeAndLines(pair.first, second, viaContext, contextLines);
+      LinkDc(pair.first, second, expected);
+      LinkDcLine(pair.first, second, expectedLines);
+    }
+    ASSERT_TRUE(SameTree(viaContext, expected)) << "pair " << k;
+    ASSERT_EQ(contextLines.size(), expectedLines.size()) << "pair " << k;
+    for (std::size_t i = 0; i < contextLines.size(); ++i) {
+      EXPECT_TRUE(contextLines[i].IsSame(expectedLines[i]) &&
+                  contextLines[i].strUpName == expectedLines[i].strUpName &&
+                  contextLines[i].strDownName == expectedLines[i].strDownName)
+          << "pair " << k << ", line " << i;
+    }
+  }
+}
+
 class RandomCorrelationTest : public ::testing::TestWithParam<unsigned> {};
 
 TEST_P(RandomCorrelationTest, TreesAreWellFormed) {
