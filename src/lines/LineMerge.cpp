@@ -21,9 +21,9 @@ bool HasNaN(const _sLinkLine& line) {
          std::isnan(line.pt2.x) || std::isnan(line.pt2.y) || std::isnan(line.pt2.z);
 }
 
-// Lines are found again by the elevations of their two ends on a grid of cells 1e-4 high: two
+// Lines are found again by the elevation of their end on borehole 1, in cells 1e-4 high: two
 // elevations equal within the 1e-5 tolerance lie in the same or in neighbouring cells. Elevations
-// that are not finite or beyond a million units do not fit the grid; such lines are compared with
+// that are not finite or beyond a million units do not fit the cells; such lines are compared with
 // every other line, as are the few lines that might equal them.
 constexpr double kCellsPerUnit = 1e4;
 constexpr double kGridLimit = 1e6;
@@ -31,15 +31,6 @@ constexpr double kGridLimit = 1e6;
 bool OnGrid(const _sLinkLine& line) {
   return std::fabs(line.pt1.z) < kGridLimit && std::fabs(line.pt2.z) < kGridLimit;
 }
-
-struct Cell {
-  int64_t z1;
-  int64_t z2;
-  std::size_t line;
-  bool operator<(const Cell& other) const {
-    return std::tie(z1, z2, line) < std::tie(other.z1, other.z2, other.line);
-  }
-};
 
 int64_t CellOf(double z) { return static_cast<int64_t>(std::floor(z * kCellsPerUnit)); }
 
@@ -86,21 +77,40 @@ void WalkSameLines(LineList& lines, std::vector<uint8_t>& alive, int32_t* previo
   }
 }
 
-// The lines of many regions by the cells of their end elevations, for finding a line's equals.
-class LineGrid {
+// Whether two elevations certainly differ beyond the tolerance: a quick test that spares most
+// full comparisons, since lines of one section differ mostly in elevation.
+bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a != b; }
+
+// The lines by the cell of their borehole-1 elevation, in a hash table of chains: each cell's
+// chain runs from its latest line to its earliest, so that the nearest earlier equal of a line is
+// the first match in one of three chains.
+class LineCells {
 public:
-  explicit LineGrid(const LineList& lines) : m_lines(lines) {
+  explicit LineCells(const LineList& lines) : m_lines(lines) {
+    std::size_t size = 16;
+    while (size < 2 * lines.size()) {
+      size *= 2;
+    }
+    m_mask = size - 1;
+    m_head.assign(size, -1);
+    m_next.resize(lines.size());
+    m_cellOf.resize(lines.size());
+    m_z2.resize(lines.size());
     for (std::size_t i = 0; i < lines.size(); ++i) {
-      if (HasNaN(lines[i])) {
+      const _sLinkLine& line = lines[i];
+      m_z2[i] = line.pt2.z;
+      if (HasNaN(line)) {
         continue; // a NaN coordinate equals nothing, not even itself
       }
-      if (OnGrid(lines[i])) {
-        m_grid.push_back({CellOf(lines[i].pt1.z), CellOf(lines[i].pt2.z), i});
-      } else {
+      if (!OnGrid(line)) {
         m_offGrid.push_back(i);
+        continue;
       }
+      m_cellOf[i] = CellOf(line.pt1.z);
+      const std::size_t slot = Slot(m_cellOf[i]);
+      m_next[i] = m_head[slot];
+      m_head[slot] = static_cast<int32_t>(i);
     }
-    std::sort(m_grid.begin(), m_grid.end());
   }
 
   // The nearest line before i that is still in the walk and the same as line i, or -1.
@@ -110,7 +120,8 @@ public:
       return -1;
     }
     const auto matches = [&](std::size_t candidate) {
-      return candidate < i && alive[candidate] && m_lines[candidate].IsSame(line);
+      return alive[candidate] != 0 && !ClearlyApart(m_z2[candidate], m_z2[i]) &&
+             m_lines[candidate].IsSame(line);
     };
     if (!OnGrid(line)) {
       for (std::size_t c = i; c-- > 0;) {
@@ -122,26 +133,19 @@ public:
     }
     std::ptrdiff_t best = -1;
     for (const std::size_t c : m_offGrid) {
-      if (static_cast<std::ptrdiff_t>(c) > best && matches(c)) {
+      if (c < i && static_cast<std::ptrdiff_t>(c) > best && matches(c)) {
         best = static_cast<std::ptrdiff_t>(c);
       }
     }
-    const int64_t z1 = CellOf(line.pt1.z);
-    const int64_t z2 = CellOf(line.pt2.z);
-    for (int64_t d1 = -1; d1 <= 1; ++d1) {
-      for (int64_t d2 = -1; d2 <= 1; ++d2) {
-        // Lines of one cell stand in increasing index: walk down from i.
-        auto it = std::lower_bound(m_grid.begin(), m_grid.end(), Cell{z1 + d1, z2 + d2, i});
-        while (it != m_grid.begin()) {
-          --it;
-          if (it->z1 != z1 + d1 || it->z2 != z2 + d2 ||
-              static_cast<std::ptrdiff_t>(it->line) <= best) {
-            break;
-          }
-          if (matches(it->line)) {
-            best = static_cast<std::ptrdiff_t>(it->line);
-            break;
-          }
+    const int64_t cell = CellOf(line.pt1.z);
+    for (int64_t near = cell - 1; near <= cell + 1; ++near) {
+      const std::size_t slot = Slot(near);
+      for (int32_t c = m_head[slot]; c > best; c = m_next[static_cast<std::size_t>(c)]) {
+        const auto candidate = static_cast<std::size_t>(c);
+        // Cells that share a slot share its chain.
+        if (candidate < i && m_cellOf[candidate] == near && matches(candidate)) {
+          best = c;
+          break;
         }
       }
     }
@@ -149,14 +153,19 @@ public:
   }
 
 private:
+  std::size_t Slot(int64_t cell) const {
+    const auto hash = static_cast<uint64_t>(cell) * 0x9E3779B97F4A7C15ull;
+    return static_cast<std::size_t>(hash >> 40) & m_mask;
+  }
+
   const LineList& m_lines;
-  std::vector<Cell> m_grid;
+  std::size_t m_mask = 0;
+  std::vector<int64_t> m_cellOf; // per line on the grid: the cell of its borehole-1 end
+  std::vector<int32_t> m_head;
+  std::vector<int32_t> m_next;
+  std::vector<double> m_z2;
   std::vector<std::size_t> m_offGrid;
 };
-
-// Whether two elevations certainly differ beyond the tolerance: a quick test that spares most
-// full comparisons, since lines of one section differ mostly in elevation.
-bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a != b; }
 
 // Up to this many lines (those of a typical pair) scanning beats building a grid.
 constexpr std::size_t kScanLimit = 96;
@@ -189,7 +198,7 @@ void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
 }
 
 void MarkSameLinesOnGrid(LineList& lines, std::vector<uint8_t>& alive) {
-  const LineGrid grid(lines);
+  const LineCells grid(lines);
   std::vector<int32_t> previous(lines.size());
   std::vector<int32_t> next(lines.size());
   WalkSameLines(lines, alive, previous.data(), next.data(), [&](int32_t i) {

@@ -22,6 +22,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
+#include <limits>
 #include <gtest/gtest.h>
 #include <random>
 #include <sstream>
@@ -584,6 +585,63 @@ TEST(Differential, SameBoreholeTwice) {
     }
   }
   Report("same borehole", tally);
+}
+
+// Many lines handed in by the caller, merged with the section's own: elevations on either side of
+// the 1e-4 cells by which long lists of lines are searched, within and just beyond the tolerance,
+// below magnitude 1 (where it is relative) and off the cells (beyond a million, infinite), with
+// ends at one plan position or just apart. Short lists are scanned and long ones searched by
+// cell; both must merge exactly as the plain implementation does.
+TEST(Differential, MergeOfManyLinesNearTheTolerance) {
+  const double offsets[] = {0.0, 3e-6, -3e-6, 6e-6, -6e-6, 9.5e-6, -9.5e-6, 1.1e-5, -1.1e-5};
+  const double bases[] = {100.0, 100.0001, 100.0002, 57.123, 0.5, 2e-6, 0.0, -3.0};
+  const double offCells[] = {2e6, -5e7, std::numeric_limits<double>::infinity()};
+  Tally tally;
+  for (uint64_t seed = 7000000; seed < 7000060; ++seed) {
+    std::mt19937_64 rng(seed);
+    const auto elevation = [&] {
+      if (xktest::Chance(rng, 0.05)) {
+        return offCells[xktest::UniformInt(rng, 0, 2)];
+      }
+      return bases[xktest::UniformInt(rng, 0, 7)] + offsets[xktest::UniformInt(rng, 0, 8)];
+    };
+    // Holes without strata: the section adds only its root's two lines.
+    _sZK a;
+    a.dTopGC = 101.0;
+    _sZK b;
+    b.dX = 60.0;
+    b.dTopGC = 99.0;
+    std::vector<_sLinkLine> start(static_cast<std::size_t>(xktest::UniformInt(rng, 20, 300)));
+    for (std::size_t k = 0; k < start.size(); ++k) {
+      _sLinkLine& l = start[k];
+      l.pt1 = CXk3DPoint(xktest::Chance(rng, 0.1) ? 4e-6 : 0.0, 0.0, elevation());
+      l.pt2 = CXk3DPoint(xktest::Chance(rng, 0.1) ? 60.5 : 60.0, 0.0, elevation());
+      l.nType = 2;
+      l.bBottom = xktest::Chance(rng, 0.5);
+      l.strUpName = L"l" + std::to_wstring(k);
+    }
+    ++tally.pairs;
+    _sLinkRegion ref;
+    reference::ReferenceLinkDc(a, b, ref);
+    std::vector<_sLinkLine> refMerged = start;
+    reference::ReferenceAppendLeafLines(ref, refMerged);
+    reference::ReferenceMergeSameLines(refMerged);
+    reference::ReferenceSortLines(refMerged);
+    std::vector<_sLinkLine> libLines = start;
+    LinkDcLine(a, b, libLines);
+    std::string why;
+    std::vector<int> ranks;
+    const LineMatch match = MatchLines(libLines, refMerged, ranks, why);
+    tally.identicalLines += match == LineMatch::Identical ? 1 : 0;
+    tally.reorderedLines += match == LineMatch::Reordered ? 1 : 0;
+    tally.otherTopRemoved += match == LineMatch::OtherTopRemoved ? 1 : 0;
+    if (match == LineMatch::Different) {
+      ++tally.failures;
+      ADD_FAILURE() << "seed " << seed << ", " << start.size() << " lines: " << why;
+      break;
+    }
+  }
+  Report("many lines", tally);
 }
 
 TEST(Differential, LongLogs) {
