@@ -29,7 +29,9 @@ bool ResolveCrossingsByBitsets(std::vector<DcPair>& pairs, BitsetBuffers& buffer
 // A sweep over a segment tree: n log n in the number of pairs.
 void ResolveCrossingsBySweep(std::vector<DcPair>& pairs, SweepBuffers& buffers);
 
-// Sorts re-admission candidates by key, keeping the list order of equal keys.
+// Sorts re-admission candidates by key, keeping the list order of equal keys, exactly as inserting
+// them one by one in list order would, keys that are not numbers included. The candidates point
+// into one pair list, in list order.
 void StableSortByKey(std::vector<DcPair*>& candidates);
 
 } // namespace xkl

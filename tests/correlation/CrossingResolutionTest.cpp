@@ -95,4 +95,38 @@ TEST(CrossingResolution, ASinglePairOrNoneIsLeftAlone) {
   EXPECT_FALSE(one[0].bDrop);
 }
 
+// The candidates of the second chance end in the order that inserting them one by one in list
+// order gives: ties keep list order, and a key that is not a number stops the insertion of a later
+// candidate in front of it. Lists around the size where the method changes, with many ties (the
+// key 0 of candidates sharing no stratum) and with and without such keys.
+TEST(CrossingResolution, CandidatesSortAsInsertedOneByOne) {
+  const auto inserted = [](std::vector<DcPair*> list) {
+    for (std::size_t k = 1; k < list.size(); ++k) {
+      for (std::size_t j = k; j > 0 && list[j]->dDiffGC < list[j - 1]->dDiffGC; --j) {
+        std::swap(list[j], list[j - 1]);
+      }
+    }
+    return list;
+  };
+  for (uint64_t seed = 1; seed <= 300; ++seed) {
+    std::mt19937_64 rng(seed);
+    std::vector<DcPair> pairs(static_cast<std::size_t>(xktest::UniformInt(rng, 2, 80)));
+    const bool withNaN = seed % 3 == 0;
+    for (DcPair& pair : pairs) {
+      const int pick = xktest::UniformInt(rng, 0, 9);
+      pair.dDiffGC = pick < 4    ? 0.0
+                     : pick < 6  ? 1.5
+                     : pick == 6 && withNaN ? std::numeric_limits<double>::quiet_NaN()
+                                 : xktest::UniformReal(rng, 0.0, 3.0);
+    }
+    std::vector<DcPair*> candidates;
+    for (DcPair& pair : pairs) {
+      candidates.push_back(&pair);
+    }
+    const std::vector<DcPair*> expected = inserted(candidates);
+    xkl::StableSortByKey(candidates);
+    ASSERT_EQ(candidates, expected) << "seed " << seed << ", " << pairs.size() << " candidates";
+  }
+}
+
 } // namespace
