@@ -160,14 +160,14 @@ private:
 
   const LineList& m_lines;
   std::size_t m_mask = 0;
-  std::vector<int64_t> m_cellOf; // per line on the grid: the cell of its borehole-1 end
+  std::vector<int64_t> m_cellOf; // per line within the cells: the cell of its borehole-1 end
   std::vector<int32_t> m_head;
   std::vector<int32_t> m_next;
   std::vector<double> m_z2;
   std::vector<std::size_t> m_offGrid;
 };
 
-// Up to this many lines (those of a typical pair) scanning beats building a grid.
+// Up to this many lines (those of a typical pair) scanning beats hashing their cells.
 constexpr std::size_t kScanLimit = 96;
 
 // The walk over few lines: the elevations of the ends stand side by side, and the scan runs over
@@ -197,12 +197,12 @@ void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
   });
 }
 
-void MarkSameLinesOnGrid(LineList& lines, std::vector<uint8_t>& alive) {
-  const LineCells grid(lines);
+void MarkSameLinesByCells(LineList& lines, std::vector<uint8_t>& alive) {
+  const LineCells cells(lines);
   std::vector<int32_t> previous(lines.size());
   std::vector<int32_t> next(lines.size());
   WalkSameLines(lines, alive, previous.data(), next.data(), [&](int32_t i) {
-    return grid.NearestSameBefore(static_cast<std::size_t>(i), alive);
+    return cells.NearestSameBefore(static_cast<std::size_t>(i), alive);
   });
 }
 
@@ -212,7 +212,7 @@ void MarkSameLines(LineList& lines, std::vector<uint8_t>& alive) {
   if (lines.size() <= kScanLimit) {
     MarkSameLinesByScan(lines, alive);
   } else {
-    MarkSameLinesOnGrid(lines, alive);
+    MarkSameLinesByCells(lines, alive);
   }
   for (_sLinkLine& line : lines) {
     line.bBottom = false;
