@@ -1,7 +1,6 @@
 #include "correlation/CrossingResolution.h"
 
 #include <algorithm>
-
 #include <cmath>
 
 namespace xkl {

@@ -7,10 +7,10 @@
 
 #include "records/CompareDouble.h"
 
-#include <algorithm>
+#include <utility>
 #include <cmath>
 #include <cstdint>
-#include <tuple>
+#include <vector>
 
 namespace xkl {
 
@@ -88,10 +88,11 @@ class LineCells {
 public:
   explicit LineCells(const LineList& lines) : m_lines(lines) {
     std::size_t size = 16;
+    m_shift = 60;
     while (size < 2 * lines.size()) {
       size *= 2;
+      --m_shift;
     }
-    m_mask = size - 1;
     m_head.assign(size, -1);
     m_next.resize(lines.size());
     m_cellOf.resize(lines.size());
@@ -153,13 +154,14 @@ public:
   }
 
 private:
+  // Fibonacci hashing: the top bits of the product, as many as the table has slots.
   std::size_t Slot(int64_t cell) const {
     const auto hash = static_cast<uint64_t>(cell) * 0x9E3779B97F4A7C15ull;
-    return static_cast<std::size_t>(hash >> 40) & m_mask;
+    return static_cast<std::size_t>(hash >> m_shift);
   }
 
   const LineList& m_lines;
-  std::size_t m_mask = 0;
+  unsigned m_shift = 60; // 64 less the bits of the table size
   std::vector<int64_t> m_cellOf; // per line within the cells: the cell of its borehole-1 end
   std::vector<int32_t> m_head;
   std::vector<int32_t> m_next;
