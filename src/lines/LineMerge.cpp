@@ -7,9 +7,9 @@
 
 #include "records/CompareDouble.h"
 
-#include <utility>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace xkl {
