@@ -384,6 +384,29 @@ _sLinkRegion StaleRoot() {
   return r;
 }
 
+// The reference's lines of the tree ref appended to the caller's lines, merged and sorted (the
+// highest not yet removed).
+std::vector<_sLinkLine> ReferenceLines(const _sLinkRegion& ref, std::vector<_sLinkLine> lines) {
+  reference::ReferenceAppendLeafLines(ref, lines);
+  reference::ReferenceMergeSameLines(lines);
+  reference::ReferenceSortLines(lines);
+  return lines;
+}
+
+// LinkDcLine on the caller's lines against the reference's merged lines; counts the outcome.
+LineMatch CheckLinkDcLine(const _sZK& a, const _sZK& b, const std::vector<_sLinkLine>& start,
+                          const std::vector<_sLinkLine>& refMerged, Tally& tally,
+                          std::string& why) {
+  std::vector<_sLinkLine> lines = start;
+  LinkDcLine(a, b, lines);
+  std::vector<int> ranks;
+  const LineMatch match = MatchLines(lines, refMerged, ranks, why);
+  tally.identicalLines += match == LineMatch::Identical ? 1 : 0;
+  tally.reorderedLines += match == LineMatch::Reordered ? 1 : 0;
+  tally.otherTopRemoved += match == LineMatch::OtherTopRemoved ? 1 : 0;
+  return match;
+}
+
 // Runs one pair through the library, the context and the reference; false on a mismatch, which is
 // reported with the group and seed that reproduce it.
 bool CheckPair(const char* group, uint64_t seed, const _sZK& a, const _sZK& b, std::mt19937_64& rng,
@@ -408,33 +431,16 @@ bool CheckPair(const char* group, uint64_t seed, const _sZK& a, const _sZK& b, s
     if (xktest::Chance(rng, 0.1)) {
       start = CallerLines(rng, a, b);
     }
-    std::vector<_sLinkLine> refMerged = start;
-    reference::ReferenceAppendLeafLines(ref, refMerged);
-    reference::ReferenceMergeSameLines(refMerged);
-    reference::ReferenceSortLines(refMerged);
-
-    std::vector<_sLinkLine> libLines = start;
-    LinkDcLine(a, b, libLines);
+    const std::vector<_sLinkLine> refMerged = ReferenceLines(ref, start);
     std::string why;
-    std::vector<int> ranks;
-    switch (MatchLines(libLines, refMerged, ranks, why)) {
-    case LineMatch::Identical:
-      ++tally.identicalLines;
-      break;
-    case LineMatch::Reordered:
-      ++tally.reorderedLines;
-      break;
-    case LineMatch::OtherTopRemoved:
-      ++tally.otherTopRemoved;
-      break;
-    case LineMatch::Different:
+    if (CheckLinkDcLine(a, b, start, refMerged, tally, why) == LineMatch::Different) {
       failure = "LinkDcLine: " + why;
-      break;
     }
     if (failure.empty()) {
       XKLinkDc::CorrelationContext context;
       std::vector<_sLinkLine> ctxLines = start;
       context.LinkDcLine(a, b, ctxLines);
+      std::vector<int> ranks;
       if (MatchLines(ctxLines, refMerged, ranks, why) == LineMatch::Different) {
         failure = "CorrelationContext::LinkDcLine: " + why;
       }
@@ -623,19 +629,9 @@ TEST(Differential, MergeOfManyLinesNearTheTolerance) {
     ++tally.pairs;
     _sLinkRegion ref;
     reference::ReferenceLinkDc(a, b, ref);
-    std::vector<_sLinkLine> refMerged = start;
-    reference::ReferenceAppendLeafLines(ref, refMerged);
-    reference::ReferenceMergeSameLines(refMerged);
-    reference::ReferenceSortLines(refMerged);
-    std::vector<_sLinkLine> libLines = start;
-    LinkDcLine(a, b, libLines);
     std::string why;
-    std::vector<int> ranks;
-    const LineMatch match = MatchLines(libLines, refMerged, ranks, why);
-    tally.identicalLines += match == LineMatch::Identical ? 1 : 0;
-    tally.reorderedLines += match == LineMatch::Reordered ? 1 : 0;
-    tally.otherTopRemoved += match == LineMatch::OtherTopRemoved ? 1 : 0;
-    if (match == LineMatch::Different) {
+    if (CheckLinkDcLine(a, b, start, ReferenceLines(ref, start), tally, why) ==
+        LineMatch::Different) {
       ++tally.failures;
       ADD_FAILURE() << "seed " << seed << ", " << start.size() << " lines: " << why;
       break;
