@@ -17,25 +17,21 @@ namespace xkl {
 
 namespace {
 
-std::size_t Index(int32_t i) { return static_cast<std::size_t>(i); }
-int32_t Normalised(int32_t i) { return i < 0 ? -1 : i; }
+std::size_t Index(int32_t i) {
+  return static_cast<std::size_t>(i);
+}
+int32_t Normalised(int32_t i) {
+  return i < 0 ? -1 : i;
+}
 
-double MidElevation(const DataType::_sZKDC& dc) { return (dc.dTopGC + dc.dBotGC) * 0.5; }
-
-// Every combination of equal codes, ordered by the borehole-1 index and then the borehole-2 index.
-// Inside the envelope of a stratum, that stratum's own occurrences are the envelope and pair with
-// nothing.
-void CollectPairs(const CorrelationState& state, const _sLinkRegion& region,
+// Every combination of equal codes, ordered by the borehole-1 index and then the borehole-2 index,
+// or false (and nothing collected) when there are more than the bitsets settle: those are matched
+// without listing them. Inside the envelope of a stratum, that stratum's own occurrences are the
+// envelope and pair with nothing.
+bool CollectPairs(const CorrelationState& state, const PairingRange& range,
                   std::vector<DcPair>& pairs) {
-  if (!(region.nBegin2 < region.nEnd2)) {
-    return;
-  }
   const CodeIndex& codes = state.Codes();
-  const int32_t excluded = region.bNamed ? codes.IdOf(region.strName) : -1;
-  const int32_t first1 = std::max(Normalised(region.nBegin1), 0);
-  const int32_t last1 = Normalised(region.nEnd1 - 1);
-  const int32_t first2 = std::max(Normalised(region.nBegin2), 0);
-  const int32_t last2 = Normalised(region.nEnd2 - 1);
+  const auto [first1, last1, first2, last2, excluded] = range;
   // The borehole-2 strata of the range chained by code, each chain in increasing index, and the
   // length of each chain.
   Workspace& work = state.Work();
@@ -51,28 +47,30 @@ void CollectPairs(const CorrelationState& state, const _sLinkRegion& region,
     work.firstOfCode[id] = j;
     ++work.countOfCode[id];
   }
-  // Count first: the pairs of two long logs run into the millions, and growing the list step by
-  // step would hold it twice at the end.
-  std::size_t count = pairs.size();
+  // Count first: the pairs of two long logs run into the millions, and are not listed at all.
+  std::size_t count = 0;
   for (int32_t i = first1; i <= last1; ++i) {
     const int32_t id = codes.ids1[Index(i)];
     if (id != excluded) {
       count += Index(work.countOfCode[Index(id)]);
     }
   }
-  pairs.reserve(count);
-  for (int32_t i = first1; i <= last1; ++i) {
-    const int32_t id = codes.ids1[Index(i)];
-    if (id == excluded) {
-      continue;
-    }
-    const double mid1 = MidElevation(state.Zk1().vecDC[Index(i)]);
-    for (int32_t j = work.firstOfCode[Index(id)]; j >= 0; j = work.nextOfCode[Index(j)]) {
-      DcPair pair;
-      pair.nDC1 = i;
-      pair.nDC2 = j;
-      pair.dDiffGC = std::fabs(mid1 - MidElevation(state.Zk2().vecDC[Index(j)]));
-      pairs.push_back(pair);
+  const bool few = count <= kMaxBitsetPairs;
+  if (few) {
+    pairs.reserve(pairs.size() + count);
+    for (int32_t i = first1; i <= last1; ++i) {
+      const int32_t id = codes.ids1[Index(i)];
+      if (id == excluded) {
+        continue;
+      }
+      const double mid1 = MidElevation(state.Zk1().vecDC[Index(i)]);
+      for (int32_t j = work.firstOfCode[Index(id)]; j >= 0; j = work.nextOfCode[Index(j)]) {
+        DcPair pair;
+        pair.nDC1 = i;
+        pair.nDC2 = j;
+        pair.dDiffGC = std::fabs(mid1 - MidElevation(state.Zk2().vecDC[Index(j)]));
+        pairs.push_back(pair);
+      }
     }
   }
   for (int32_t j = first2; j <= last2; ++j) {
@@ -80,6 +78,7 @@ void CollectPairs(const CorrelationState& state, const _sLinkRegion& region,
     work.firstOfCode[id] = -1;
     work.countOfCode[id] = 0;
   }
+  return few;
 }
 
 // Marks consumed every unconsumed pair whose borehole-1 index (row) or borehole-2 index (column)
@@ -104,9 +103,22 @@ int32_t ConsumeAt(std::vector<DcPair>& pairs, int32_t value, Key key, Other othe
 
 } // namespace
 
+PairingRange PairingRangeOf(const CorrelationState& state, const _sLinkRegion& region) {
+  return {std::max(Normalised(region.nBegin1), 0), Normalised(region.nEnd1 - 1),
+          std::max(Normalised(region.nBegin2), 0), Normalised(region.nEnd2 - 1),
+          region.bNamed ? state.Codes().IdOf(region.strName) : -1};
+}
+
 void MatchCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
                        std::vector<DcPair>& pairs) {
-  CollectPairs(state, region, pairs);
+  if (!(region.nBegin2 < region.nEnd2)) {
+    return;
+  }
+  const PairingRange range = PairingRangeOf(state, region);
+  if (!CollectPairs(state, range, pairs)) {
+    MatchManyCommonStrata(state, range, pairs);
+    return;
+  }
   ResolveCrossings(pairs, state.Work());
   std::erase_if(pairs, [](const DcPair& pair) { return pair.bDrop; });
 }
@@ -152,14 +164,14 @@ void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& regi
     }
     sub.nEnd1 = Normalised(i1 + 1);
     sub.nEnd2 = Normalised(i2 + 1);
-    sub.ptTop[0] = CXk3DPoint(region.ptTop[0].x, region.ptTop[0].y,
-                              GetBoundaryGC(state.Zk1(), sub.nBegin1));
-    sub.ptTop[1] = CXk3DPoint(region.ptTop[1].x, region.ptTop[1].y,
-                              GetBoundaryGC(state.Zk2(), sub.nBegin2));
-    sub.ptBot[0] = CXk3DPoint(region.ptBot[0].x, region.ptBot[0].y,
-                              GetBoundaryGC(state.Zk1(), sub.nEnd1));
-    sub.ptBot[1] = CXk3DPoint(region.ptBot[1].x, region.ptBot[1].y,
-                              GetBoundaryGC(state.Zk2(), sub.nEnd2));
+    sub.ptTop[0] =
+        CXk3DPoint(region.ptTop[0].x, region.ptTop[0].y, GetBoundaryGC(state.Zk1(), sub.nBegin1));
+    sub.ptTop[1] =
+        CXk3DPoint(region.ptTop[1].x, region.ptTop[1].y, GetBoundaryGC(state.Zk2(), sub.nBegin2));
+    sub.ptBot[0] =
+        CXk3DPoint(region.ptBot[0].x, region.ptBot[0].y, GetBoundaryGC(state.Zk1(), sub.nEnd1));
+    sub.ptBot[1] =
+        CXk3DPoint(region.ptBot[1].x, region.ptBot[1].y, GetBoundaryGC(state.Zk2(), sub.nEnd2));
   }
 }
 

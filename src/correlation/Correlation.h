@@ -6,7 +6,6 @@
 #include "correlation/CodeIndex.h"
 
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -115,6 +114,23 @@ struct DcPair {
 };
 void MatchCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
                        std::vector<DcPair>& pairs);
+inline double MidElevation(const DataType::_sZKDC& dc) {
+  return (dc.dTopGC + dc.dBotGC) * 0.5;
+}
+// The strata of a region that can pair: the index ranges, normalised, and the code that pairs with
+// nothing (the region's own inside its envelope; -1 when none).
+struct PairingRange {
+  int32_t first1;
+  int32_t last1;
+  int32_t first2;
+  int32_t last2;
+  int32_t excluded;
+};
+PairingRange PairingRangeOf(const CorrelationState& state, const _sLinkRegion& region);
+// MatchCommonStrata for more pairs than the bitsets settle: the same kept pairs, found without
+// listing every pair (two long logs have millions).
+void MatchManyCommonStrata(const CorrelationState& state, const PairingRange& range,
+                           std::vector<DcPair>& pairs);
 void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
                          RegionList& out);
 

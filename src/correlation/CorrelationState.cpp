@@ -8,8 +8,7 @@ XKLinkDc::CorrelationState::~CorrelationState() = default;
 XKLinkDc::CorrelationState::CorrelationState(const CorrelationState& other)
     : zk1(other.zk1), zk2(other.zk2), dDist(other.dDist) {}
 
-XKLinkDc::CorrelationState&
-XKLinkDc::CorrelationState::operator=(const CorrelationState& other) {
+XKLinkDc::CorrelationState& XKLinkDc::CorrelationState::operator=(const CorrelationState& other) {
   if (this != &other) {
     zk1 = other.zk1;
     zk2 = other.zk2;
@@ -22,15 +21,18 @@ XKLinkDc::CorrelationState::operator=(const CorrelationState& other) {
 std::size_t xkl::Workspace::Footprint() const {
   const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
   return bytes(pairs) + bytes(firstOfCode) + bytes(nextOfCode) + bytes(countOfCode) +
-         bytes(sweep.live) + bytes(sweep.offset) + bytes(sweep.entries) + bytes(sweep.lo) +
-         bytes(sweep.hi) + bytes(sweep.treeMin) + bytes(sweep.treeMax) +
-         bytes(sweep.keptMaxBefore) + bytes(sweep.keptMinAfter) + bytes(sweep.rowKept) +
-         bytes(sweep.columnKept) + bytes(sweep.before) + bytes(sweep.after) +
-         bytes(sweep.candidates) + bytes(runs.side1) +
-         bytes(runs.side2) + bytes(runs.firstRun) + bytes(runs.secondRun) +
-         bytes(runs.codesInOrder) + bytes(runs.namedBefore) + bytes(bitsets.rowBegin) +
-         bytes(bitsets.rowEnd) + bytes(bitsets.column) + bytes(bitsets.earlierColumns) +
-         bytes(bitsets.candidates) + bytes(gaps) + bytes(pendingRegions);
+         bytes(sweep.dropped) + bytes(sweep.row) + bytes(sweep.offset) + bytes(sweep.entries) +
+         bytes(sweep.keyed) + bytes(sweep.lo) + bytes(sweep.hi) + bytes(sweep.treeMin) +
+         bytes(sweep.treeMax) + bytes(sweep.keptMaxBefore) + bytes(sweep.keptMinAfter) +
+         bytes(sweep.rowKept) + bytes(sweep.columnKept) + bytes(sweep.before) + bytes(sweep.after) +
+         bytes(sweep.candidates) + bytes(codeSweep.mid1) + bytes(codeSweep.mid2) +
+         bytes(codeSweep.rowsOfCode) + bytes(codeSweep.rowsOfCodeAt) +
+         bytes(codeSweep.columnsOfCode) + bytes(codeSweep.columnsOfCodeAt) +
+         bytes(codeSweep.firstPair) + bytes(runs.side1) + bytes(runs.side2) + bytes(runs.firstRun) +
+         bytes(runs.secondRun) + bytes(runs.codesInOrder) + bytes(runs.namedBefore) +
+         bytes(bitsets.rowBegin) + bytes(bitsets.rowEnd) + bytes(bitsets.column) +
+         bytes(bitsets.earlierColumns) + bytes(bitsets.candidates) + bytes(gaps) +
+         bytes(pendingRegions);
 }
 
 xkl::Workspace& XKLinkDc::CorrelationState::Work() const {
@@ -41,9 +43,8 @@ xkl::Workspace& XKLinkDc::CorrelationState::Work() const {
 }
 
 // Buffers up to this size stay for the next correlation: typical pairs then allocate nothing there,
-// and the next pair of long logs finds its pages mapped already (allocating and faulting in the
-// pair lists of 2,000-strata logs costs a fifth of their correlation). The hundreds of megabytes
-// of longer logs go back at once.
+// and the next pair of long logs finds its pages mapped already (logs of 2,000 strata need about
+// 5 MB, of 8,000 about 60 MB). The larger buffers of longer logs go back at once.
 constexpr std::size_t kKeptWorkBytes = std::size_t{64} << 20;
 
 void XKLinkDc::CorrelationState::ReleaseWork() const {

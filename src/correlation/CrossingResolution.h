@@ -15,9 +15,19 @@
 #include "correlation/Correlation.h"
 #include "correlation/Workspace.h"
 
+#include <cmath>
+#include <limits>
 #include <vector>
 
 namespace xkl {
+
+// The key by which the sweep orders pairs. The pairwise rule "drop b unless a's key is greater"
+// and "drop a when a's key is greater" treat a key that is not a number exactly like +infinity on
+// b's side: b is always dropped and never drops a. On a's side a NaN key drops every crossing pair
+// and never a itself, which the sweep handles apart.
+inline double SweepKey(double dDiffGC) {
+  return std::isnan(dDiffGC) ? std::numeric_limits<double>::infinity() : dDiffGC;
+}
 
 // Pairs are in collection order (by nDC1, then nDC2), none dropped; afterwards bDrop marks the
 // pairs that lost for good. Chooses the method by the number of pairs.
@@ -28,6 +38,10 @@ constexpr std::size_t kMaxBitsetPairs = 256;
 bool ResolveCrossingsByBitsets(std::vector<DcPair>& pairs, BitsetBuffers& buffers);
 // A sweep over a segment tree: n log n in the number of pairs.
 void ResolveCrossingsBySweep(std::vector<DcPair>& pairs, SweepBuffers& buffers);
+
+// The second chance, on a list whose dropped pairs are marked by bDrop. The list may leave out
+// dropped pairs that cross a kept one: they are never candidates.
+void ReadmitDroppedPairs(std::vector<DcPair>& pairs, SweepBuffers& buffers);
 
 // Sorts re-admission candidates by key, keeping the list order of equal keys, exactly as inserting
 // them one by one in list order would, keys that are not numbers included. The candidates point

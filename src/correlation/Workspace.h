@@ -11,20 +11,22 @@
 
 namespace xkl {
 
-// A pair in the sweep's columns, with its key beside it: the sweep reads the keys of a column in
-// order, and long logs hold millions of pairs.
-struct SweepEntry {
-  double key;
-  int32_t pair;
+// A pair of the row the sweep has reached.
+struct SweepPair {
+  int32_t pair;   // number in list order
+  int32_t column; // counted from the lowest column of the list
+  double key;     // as collected; not a number is allowed
 };
 
 // Buffers of the crossing sweep over the pairs of equal strata.
 struct SweepBuffers {
-  std::vector<uint8_t> live;       // per pair: in the tree, left it, or dropped
-  std::vector<int32_t> offset;     // first entry of each column
-  std::vector<SweepEntry> entries; // pairs by column, each column sorted by key
-  std::vector<int32_t> lo;         // first live entry of each column
-  std::vector<int32_t> hi;         // last live entry of each column
+  std::vector<uint8_t> dropped;                  // per pair, in list order
+  std::vector<SweepPair> row;                    // the pairs of the row the sweep has reached
+  std::vector<int32_t> offset;                   // first entry of each column
+  std::vector<int32_t> entries;                  // pairs by column, each column sorted by key
+  std::vector<std::pair<double, int32_t>> keyed; // one column's entries with their keys
+  std::vector<int32_t> lo;                       // first live entry of each column
+  std::vector<int32_t> hi;                       // last live entry of each column
   std::vector<double> treeMin;
   std::vector<double> treeMax;
   // The second chance.
@@ -35,6 +37,19 @@ struct SweepBuffers {
   std::vector<int32_t> before; // Fenwick trees over the rows of the re-admitted pairs
   std::vector<int32_t> after;
   std::vector<DcPair*> candidates;
+};
+
+// Buffers of the matching of many equal-code pairs, which lists the pairs by code instead of one
+// by one. Rows are the borehole-1 strata of the region, columns its borehole-2 strata, both
+// counted from the first.
+struct CodeSweepBuffers {
+  std::vector<double> mid1;           // mid elevation of each row
+  std::vector<double> mid2;           // and of each column
+  std::vector<int32_t> rowsOfCode;    // the rows of each code in order, code after code
+  std::vector<int32_t> rowsOfCodeAt;  // where each code's rows begin, and one past the end
+  std::vector<int32_t> columnsOfCode; // the same for columns
+  std::vector<int32_t> columnsOfCodeAt;
+  std::vector<int32_t> firstPair; // number of the first pair of each row, list order
 };
 
 // Buffers of the crossing resolution by bitsets.
@@ -72,6 +87,7 @@ struct Workspace {
   std::vector<int32_t> nextOfCode;
   std::vector<int32_t> countOfCode;
   SweepBuffers sweep;
+  CodeSweepBuffers codeSweep;
   BitsetBuffers bitsets;
   RunBuffers runs;
   RegionList gaps; // the gaps of the region being split, closed one by one

@@ -1,7 +1,12 @@
 // Splitting a region at strata common to both holes: pairing and crossing resolution, the named
 // sub-regions of the first pass, and the gap regions of the second pass.
 #include "CorrelationFixture.h"
+#include "correlation/CrossingResolution.h"
+#include "support/RandomBoreholes.h"
 
+#include <bit>
+#include <limits>
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -204,6 +209,72 @@ TEST_F(SplittingTest, EnvelopeGapsSkipItsLeadingStratumAndMayCutItsLastOne) {
   gaps = Gaps(Region(1, 4, 1, 4, L"Z", true), true);
   ASSERT_EQ(gaps.size(), 2u);
   EXPECT_RANGES(gaps[1], 3, 4, 3, 4);
+}
+
+// Regions with more equal-code pairs than the bitsets settle are matched without listing every
+// pair; the kept pairs must be those of settling the full list. Random holes of few codes, ranges
+// that start below the top, envelopes whose own code pairs with nothing, and mid elevations that
+// tie, are infinite or are not numbers.
+TEST_F(SplittingTest, ManyPairsAreMatchedAsTheirFullListWouldBe) {
+  int many = 0;
+  for (uint64_t seed = 1; seed <= 120; ++seed) {
+    std::mt19937_64 rng(seed);
+    xktest::RandomBoreholeOptions opt;
+    opt.minStrata = 20;
+    opt.maxStrata = 90;
+    opt.codeCount = xktest::UniformInt(rng, 1, 4);
+    opt.gridChance = 0.9; // tied keys
+    auto one = xktest::RandomBorehole(rng, opt, L"ONE");
+    auto two = xktest::RandomBorehole(rng, opt, L"TWO");
+    for (auto* hole : {&one, &two}) {
+      for (auto& dc : hole->vecDC) {
+        if (xktest::Chance(rng, 0.02)) {
+          dc.dBotGC = xktest::Chance(rng, 0.5) ? std::numeric_limits<double>::quiet_NaN()
+                                               : -std::numeric_limits<double>::infinity();
+        }
+      }
+    }
+    Load(one, two);
+    const auto n1 = static_cast<int32_t>(one.vecDC.size());
+    const auto n2 = static_cast<int32_t>(two.vecDC.size());
+    const int32_t b1 = xktest::UniformInt(rng, 0, 3);
+    const int32_t b2 = xktest::UniformInt(rng, 0, 3);
+    const bool named = xktest::Chance(rng, 0.5);
+    const std::wstring name = one.vecDC[static_cast<std::size_t>(b1)].strName;
+    const auto region = Region(b1, n1, b2, n2, named ? name : L"", named);
+
+    std::vector<xkl::DcPair> expected;
+    for (int32_t i = b1; i < n1; ++i) {
+      for (int32_t j = b2; j < n2; ++j) {
+        const auto& a = one.vecDC[static_cast<std::size_t>(i)];
+        const auto& b = two.vecDC[static_cast<std::size_t>(j)];
+        if (a.strName == b.strName && !(named && a.strName == name)) {
+          xkl::DcPair pair;
+          pair.nDC1 = i;
+          pair.nDC2 = j;
+          pair.dDiffGC = std::fabs(xkl::MidElevation(a) - xkl::MidElevation(b));
+          expected.push_back(pair);
+        }
+      }
+    }
+    many += expected.size() > xkl::kMaxBitsetPairs ? 1 : 0;
+    xkl::Workspace work;
+    xkl::ResolveCrossingsBySweep(expected, work.sweep);
+    std::erase_if(expected, [](const xkl::DcPair& pair) { return pair.bDrop; });
+
+    std::vector<xkl::DcPair> pairs;
+    xkl::MatchCommonStrata(state, region, pairs);
+    ASSERT_EQ(pairs.size(), expected.size()) << "seed " << seed;
+    for (std::size_t k = 0; k < pairs.size(); ++k) {
+      EXPECT_EQ(pairs[k].nDC1, expected[k].nDC1) << "seed " << seed << " pair " << k;
+      EXPECT_EQ(pairs[k].nDC2, expected[k].nDC2) << "seed " << seed << " pair " << k;
+      EXPECT_EQ(std::bit_cast<uint64_t>(pairs[k].dDiffGC),
+                std::bit_cast<uint64_t>(expected[k].dDiffGC))
+          << "seed " << seed << " pair " << k;
+      EXPECT_FALSE(pairs[k].bDrop);
+    }
+  }
+  EXPECT_GT(many, 60); // most regions take the way for many pairs
 }
 
 } // namespace
