@@ -27,10 +27,10 @@ void RequireWorkWithinLimit(const std::vector<std::string>& names,
     const uint64_t pairs = EqualCodePairs(holes[i - 1], holes[i]);
     if (pairs > kMaxEqualCodePairs) {
       throw InputError(names[i - 1] + " and " + names[i] + ": too large to correlate: their " +
-                       "strata form " + std::to_string(pairs) + " pairs of equal codes, the limit is " +
-                       std::to_string(kMaxEqualCodePairs) +
-                       " (about 1 GB of memory); merge repeated strata (--merge-repeats) or "
-                       "split the logs");
+                       "strata form " + std::to_string(pairs) +
+                       " pairs of equal codes, the limit is " + std::to_string(kMaxEqualCodePairs) +
+                       " (seconds of work and about 120 MB of memory); merge repeated strata "
+                       "(--merge-repeats) or split the logs");
     }
   }
 }
