@@ -640,6 +640,28 @@ TEST(Differential, MergeOfManyLinesNearTheTolerance) {
   Report("many lines", tally);
 }
 
+// Two logs of a few hundred thin beds in two to five codes: thousands of equal-code pairs at the
+// root and hundreds in the envelopes below it, where the envelope's own code pairs with nothing.
+// Beds on a quarter-metre grid give tied keys; some beds are missing from one log, so ranges start
+// and end off the top and bottom.
+TEST(Differential, ThinBedsOnBothSides) {
+  Tally tally;
+  for (uint64_t seed = 8000000; seed < 8000024; ++seed) {
+    std::mt19937_64 rng(seed);
+    const int codes = xktest::UniformInt(rng, 2, 5);
+    _sZK a = xktest::LongLog(rng, xktest::UniformInt(rng, 60, 220), codes, L"WEST");
+    _sZK b = xktest::LongLog(rng, xktest::UniformInt(rng, 60, 220), codes, L"EAST");
+    b.dX = a.dX + xktest::UniformReal(rng, 5.0, 80.0);
+    if (xktest::Chance(rng, 0.5)) {
+      b.vecDC.erase(b.vecDC.begin(), b.vecDC.begin() + xktest::UniformInt(rng, 1, 10));
+    }
+    if (!CheckPair("thin beds", seed, a, b, rng, tally)) {
+      break;
+    }
+  }
+  Report("thin beds", tally);
+}
+
 TEST(Differential, LongLogs) {
   Tally tally;
   for (uint64_t seed = 4000000; seed < 4000004; ++seed) {
