@@ -31,8 +31,9 @@ std::size_t xkl::Workspace::Footprint() const {
          bytes(codeSweep.firstPair) + bytes(runs.side1) + bytes(runs.side2) + bytes(runs.firstRun) +
          bytes(runs.secondRun) + bytes(runs.codesInOrder) + bytes(runs.namedBefore) +
          bytes(bitsets.rowBegin) + bytes(bitsets.rowEnd) + bytes(bitsets.column) +
-         bytes(bitsets.earlierColumns) + bytes(bitsets.candidates) + bytes(gaps) +
-         bytes(pendingRegions);
+         bytes(bitsets.earlierColumns) + bytes(bitsets.band) + bytes(bitsets.lowerBands) +
+         bytes(bitsets.keptBefore) + bytes(bitsets.keptAfter) + bytes(bitsets.candidates) +
+         bytes(gaps) + bytes(pendingRegions);
 }
 
 xkl::Workspace& XKLinkDc::CorrelationState::Work() const {

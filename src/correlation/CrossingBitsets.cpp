@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
+#include <limits>
 
 namespace xkl {
 
@@ -132,20 +134,23 @@ public:
   Bits<W> SameRow(std::size_t p) const { return Bits<W>::Range(RowBegin(p), RowEnd(p)); }
   Bits<W> LaterRows(std::size_t p) const { return Bits<W>::Range(RowEnd(p), m_count); }
   Bits<W> EarlierRows(std::size_t p) const { return Bits<W>::Range(0, RowBegin(p)); }
-  Bits<W> EarlierColumns(std::size_t p) const { return EarlierColumnsThan(Column(p)); }
+  Bits<W> EarlierColumns(std::size_t p) const { return EarlierColumnsThan(ColumnIndex(p)); }
   Bits<W> SameColumn(std::size_t p) const {
-    return EarlierColumnsThan(Column(p) + 1) & ~EarlierColumnsThan(Column(p));
+    return EarlierColumnsThan(ColumnIndex(p) + 1) & ~EarlierColumnsThan(ColumnIndex(p));
   }
-  Bits<W> LaterColumns(std::size_t p) const { return ~EarlierColumnsThan(Column(p) + 1); }
+  Bits<W> LaterColumns(std::size_t p) const { return ~EarlierColumnsThan(ColumnIndex(p) + 1); }
   // Every pair that crosses p, before or after it in the list.
   Bits<W> Crossing(std::size_t p) const {
     return (LaterRows(p) & EarlierColumns(p)) | (EarlierRows(p) & LaterColumns(p));
   }
 
-private:
+  // The first pair of p's row, one past its last, and p's column counted from the lowest.
   std::size_t RowBegin(std::size_t p) const { return static_cast<std::size_t>(m.rowBegin[p]); }
   std::size_t RowEnd(std::size_t p) const { return static_cast<std::size_t>(m.rowEnd[p]); }
-  std::size_t Column(std::size_t p) const { return static_cast<std::size_t>(m.column[p]); }
+  int32_t Column(std::size_t p) const { return m.column[p]; }
+
+private:
+  std::size_t ColumnIndex(std::size_t p) const { return static_cast<std::size_t>(m.column[p]); }
   Bits<W> EarlierColumnsThan(std::size_t c) const {
     return Bits<W>::Load(&m.earlierColumns[c * W]);
   }
@@ -154,15 +159,69 @@ private:
   BitsetBuffers& m;
 };
 
-template <std::size_t W> void Resolve(std::vector<DcPair>& pairs, BitsetBuffers& buffers) {
-  const PairLayout<W> layout(pairs, buffers);
-  const std::size_t count = pairs.size();
+// Pairs grouped into bands of their keys, so that most meetings of the first sweep are settled a
+// band at a time: every key of a higher band is greater than every key of a lower one. Finite keys
+// are spread over the lower bands by their distance from the least; infinite keys and keys that
+// are not numbers share the top band (a key that is not a number is greater than every other key
+// wherever it is met as the later pair's). Rounding keeps the mapping monotone, so a pair in a
+// higher band never has the smaller key; within a band the keys are compared one by one.
+template <std::size_t W> class KeyBands {
+public:
+  static constexpr std::size_t kBands = 64;
 
-  // The first sweep. Every live later pair that crosses a meets it: the one whose mid elevations
-  // differ more is dropped, the later one on equal keys (and the later one when a key is not a
-  // number). a goes on meeting the others after it has lost.
+  KeyBands(const std::vector<DcPair>& pairs, BitsetBuffers& buffers) : m(buffers) {
+    double least = std::numeric_limits<double>::infinity();
+    double greatest = -least;
+    for (const DcPair& pair : pairs) {
+      if (std::isfinite(pair.dDiffGC)) {
+        least = std::min(least, pair.dDiffGC);
+        greatest = std::max(greatest, pair.dDiffGC);
+      }
+    }
+    const double spread = greatest - least;
+    // Finite keys fall in bands 0 to kBands - 2; when they all lie within a span too narrow to
+    // divide, they share band 0.
+    const double scale = spread > 0.0 ? static_cast<double>(kBands - 1) / spread : 0.0;
+    const bool divisible = std::isfinite(scale);
+    // lowerBands[k]: the pairs in bands below k, for k up to kBands.
+    m.lowerBands.assign((kBands + 1) * W, 0);
+    m.band.resize(pairs.size());
+    for (std::size_t p = 0; p < pairs.size(); ++p) {
+      const double key = pairs[p].dDiffGC;
+      std::size_t band = kBands - 1;
+      if (std::isfinite(key) && divisible) {
+        band = std::min(static_cast<std::size_t>((key - least) * scale), kBands - 2);
+      } else if (std::isfinite(key) || key < 0.0) {
+        band = 0; // negative infinity, which no difference of elevations gives, is least
+      }
+      m.band[p] = static_cast<uint8_t>(band);
+      m.lowerBands[(band + 1) * W + p / kWordBits] |= uint64_t{1} << (p % kWordBits);
+    }
+    for (std::size_t k = 1; k <= kBands; ++k) {
+      for (std::size_t w = 0; w < W; ++w) {
+        m.lowerBands[k * W + w] |= m.lowerBands[(k - 1) * W + w];
+      }
+    }
+  }
+
+  // The pairs in lower bands than p's, in p's band, and in higher bands.
+  Bits<W> Lower(std::size_t p) const { return Below(m.band[p]); }
+  Bits<W> Same(std::size_t p) const { return Below(m.band[p] + 1u) & ~Below(m.band[p]); }
+  Bits<W> Higher(std::size_t p) const { return ~Below(m.band[p] + 1u); }
+
+private:
+  Bits<W> Below(std::size_t band) const { return Bits<W>::Load(&m.lowerBands[band * W]); }
+
+  BitsetBuffers& m;
+};
+
+// The first sweep. Every live later pair that crosses a meets it: the one whose mid elevations
+// differ more is dropped, the later one on equal keys (and the later one when a key is not a
+// number). a goes on meeting the others after it has lost. Returns the pairs kept.
+template <std::size_t W>
+Bits<W> FirstSweep(const std::vector<DcPair>& pairs, const PairLayout<W>& layout) {
   Bits<W> live = layout.All();
-  for (std::size_t a = 0; a < count; ++a) {
+  for (std::size_t a = 0; a < pairs.size(); ++a) {
     if (!live.Test(a)) {
       continue;
     }
@@ -178,13 +237,87 @@ template <std::size_t W> void Resolve(std::vector<DcPair>& pairs, BitsetBuffers&
       live.Reset(a);
     }
   }
+  return live;
+}
 
-  // The second chance for the dropped pairs that cross no kept pair.
+// The same sweep with the meetings settled a band of keys at a time, for more pairs.
+template <std::size_t W>
+Bits<W> FirstSweepByBands(const std::vector<DcPair>& pairs, const PairLayout<W>& layout,
+                          BitsetBuffers& buffers) {
+  const KeyBands<W> bands(pairs, buffers);
+  Bits<W> live = layout.All();
+  for (std::size_t a = 0; a < pairs.size(); ++a) {
+    if (!live.Test(a)) {
+      continue;
+    }
+    const Bits<W> met = live & layout.LaterRows(a) & layout.EarlierColumns(a);
+    const double key = pairs[a].dDiffGC;
+    if (std::isnan(key)) {
+      live = live & ~met; // compares greater than nothing: every pair it meets is dropped
+      continue;
+    }
+    // Pairs of higher bands have the greater key and are dropped; one of a lower band beats a.
+    live = live & ~(met & bands.Higher(a));
+    bool lost = (met & bands.Lower(a)).Any();
+    (met & bands.Same(a)).ForEach([&](std::size_t b) {
+      if (key > pairs[b].dDiffGC) {
+        lost = true;
+      } else {
+        live.Reset(b);
+      }
+    });
+    if (lost) {
+      live.Reset(a);
+    }
+  }
+  return live;
+}
+
+// Below this many pairs, meeting them one by one costs less than sorting them into bands.
+constexpr std::size_t kBandedSweepPairs = 64;
+
+template <std::size_t W> void Resolve(std::vector<DcPair>& pairs, BitsetBuffers& buffers) {
+  const PairLayout<W> layout(pairs, buffers);
+  const std::size_t count = pairs.size();
+  const Bits<W> live = count < kBandedSweepPairs ? FirstSweep(pairs, layout)
+                                                 : FirstSweepByBands(pairs, layout, buffers);
+
+  // The second chance for the dropped pairs that cross no kept pair. No two kept pairs cross, so
+  // the kept pairs form a staircase: a pair crosses one of them exactly when a kept pair of an
+  // earlier row lies in a later column, or one of a later row in an earlier column.
   const Bits<W> kept = live;
+  std::vector<int32_t>& keptBefore = buffers.keptBefore;
+  std::vector<int32_t>& keptAfter = buffers.keptAfter;
+  keptBefore.resize(count);
+  keptAfter.resize(count);
+  int32_t greatest = -1; // kept column, in the rows so far
+  for (std::size_t row = 0; row < count; row = layout.RowEnd(row)) {
+    int32_t rowGreatest = greatest;
+    for (std::size_t p = row; p < layout.RowEnd(row); ++p) {
+      keptBefore[p] = greatest;
+      if (kept.Test(p)) {
+        rowGreatest = std::max(rowGreatest, layout.Column(p));
+      }
+    }
+    greatest = rowGreatest;
+  }
+  int32_t least = std::numeric_limits<int32_t>::max();
+  for (std::size_t end = count; end > 0;) {
+    const std::size_t row = layout.RowBegin(end - 1);
+    int32_t rowLeast = least;
+    for (std::size_t p = row; p < end; ++p) {
+      keptAfter[p] = least;
+      if (kept.Test(p)) {
+        rowLeast = std::min(rowLeast, layout.Column(p));
+      }
+    }
+    least = rowLeast;
+    end = row;
+  }
   std::vector<DcPair*>& candidates = buffers.candidates;
   candidates.clear();
   (~kept & layout.All()).ForEach([&](std::size_t p) {
-    if ((layout.Crossing(p) & kept).Any()) {
+    if (keptBefore[p] > layout.Column(p) || keptAfter[p] < layout.Column(p)) {
       return; // dropped for good
     }
     if (!(layout.SameRow(p) & kept).Any() && !(layout.SameColumn(p) & kept).Any()) {
@@ -216,6 +349,10 @@ bool ResolveCrossingsByBitsets(std::vector<DcPair>& pairs, BitsetBuffers& buffer
     Resolve<1>(pairs, buffers);
   } else if (pairs.size() <= 2 * kWordBits) {
     Resolve<2>(pairs, buffers);
+  } else if (pairs.size() <= 4 * kWordBits) {
+    Resolve<4>(pairs, buffers);
+  } else if (pairs.size() <= 8 * kWordBits) {
+    Resolve<8>(pairs, buffers);
   } else if (pairs.size() <= kMaxBitsetPairs) {
     Resolve<kMaxBitsetPairs / kWordBits>(pairs, buffers);
   } else {

@@ -34,7 +34,7 @@ inline double SweepKey(double dDiffGC) {
 void ResolveCrossings(std::vector<DcPair>& pairs, Workspace& work);
 
 // Sets of pairs as bitsets, for at most kMaxBitsetPairs pairs; false (and nothing done) for more.
-constexpr std::size_t kMaxBitsetPairs = 256;
+constexpr std::size_t kMaxBitsetPairs = 1024;
 bool ResolveCrossingsByBitsets(std::vector<DcPair>& pairs, BitsetBuffers& buffers);
 // A sweep over a segment tree: n log n in the number of pairs.
 void ResolveCrossingsBySweep(std::vector<DcPair>& pairs, SweepBuffers& buffers);

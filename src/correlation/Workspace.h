@@ -58,6 +58,10 @@ struct BitsetBuffers {
   std::vector<int32_t> rowEnd;          // one past the last pair of each pair's row
   std::vector<int32_t> column;          // each pair's column, counted from the lowest
   std::vector<uint64_t> earlierColumns; // per column: the pairs in the columns before it
+  std::vector<uint8_t> band;            // each pair's band of keys
+  std::vector<uint64_t> lowerBands;     // per band: the pairs in the bands below it
+  std::vector<int32_t> keptBefore;      // per pair: greatest kept column in the rows before its row
+  std::vector<int32_t> keptAfter;       // per pair: least kept column in the rows after its row
   std::vector<DcPair*> candidates;
 };
 

@@ -1,8 +1,8 @@
 // The two ways of settling crossing pairs must agree decision for decision: bitsets serve the
 // pairs of ordinary logs, the sweep tree those of long logs, and a region's pair count decides
-// which one runs. Random pair sets of every size up to the bitsets' limit (one to four words), with
-// tied keys (equal mid-elevation differences are common on surveyed grids) and keys that are not
-// numbers.
+// which one runs. Random pair sets of every size up to the bitsets' limit (one to sixteen words),
+// with tied keys (equal mid-elevation differences are common on surveyed grids) and keys that are
+// not numbers.
 #include "correlation/CrossingResolution.h"
 
 #include "support/RandomBoreholes.h"
@@ -17,10 +17,16 @@ namespace {
 
 using xkl::DcPair;
 
+// How the keys of a pair set are drawn: mostly spread with some ties and some keys that are not
+// finite; only a few tied values (a surveyed grid); or spread over hundreds of orders of magnitude.
+enum class Keys { Mixed, Tied, Extreme };
+
 // Pairs (row, column) in collection order, each cell taken with the given chance.
-std::vector<DcPair> RandomPairs(std::mt19937_64& rng, int rows, int columns, double density) {
+std::vector<DcPair> RandomPairs(std::mt19937_64& rng, int rows, int columns, double density,
+                                Keys style = Keys::Mixed) {
   std::vector<DcPair> pairs;
   const double keys[] = {0.0, 0.5, 1.0, 1.5, 2.0, 0.25};
+  const double extremes[] = {0.0, 5e-324, 1e-300, 1e-9, 3.0, 1e9, 1e300, 1.7e308};
   for (int r = 0; r < rows; ++r) {
     for (int c = 0; c < columns; ++c) {
       if (!xktest::Chance(rng, density)) {
@@ -30,10 +36,16 @@ std::vector<DcPair> RandomPairs(std::mt19937_64& rng, int rows, int columns, dou
       pair.nDC1 = r + 3; // ranges need not start at the top of the hole
       pair.nDC2 = c * 2 + 1;
       const int pick = xktest::UniformInt(rng, 0, 40);
-      pair.dDiffGC = pick < 6    ? keys[pick]
-                     : pick == 6 ? std::numeric_limits<double>::quiet_NaN()
-                     : pick == 7 ? std::numeric_limits<double>::infinity()
-                                 : xktest::UniformReal(rng, 0.0, 20.0);
+      if (style == Keys::Tied) {
+        pair.dDiffGC = keys[pick % 6];
+      } else if (style == Keys::Extreme) {
+        pair.dDiffGC = extremes[pick % 8];
+      } else {
+        pair.dDiffGC = pick < 6    ? keys[pick]
+                       : pick == 6 ? std::numeric_limits<double>::quiet_NaN()
+                       : pick == 7 ? std::numeric_limits<double>::infinity()
+                                   : xktest::UniformReal(rng, 0.0, 20.0);
+      }
       pairs.push_back(pair);
     }
   }
@@ -52,8 +64,9 @@ TEST(CrossingResolution, BitsetsAndSweepTreeDecideAlike) {
     std::mt19937_64 rng(seed);
     const int rows = xktest::UniformInt(rng, 1, 30);
     const int columns = xktest::UniformInt(rng, 1, 30);
+    const Keys style = seed % 5 == 0 ? Keys::Tied : seed % 5 == 1 ? Keys::Extreme : Keys::Mixed;
     std::vector<DcPair> pairs =
-        RandomPairs(rng, rows, columns, xktest::UniformReal(rng, 0.02, 0.5));
+        RandomPairs(rng, rows, columns, xktest::UniformReal(rng, 0.02, 0.5), style);
     if (pairs.size() > xkl::kMaxBitsetPairs) {
       pairs.resize(xkl::kMaxBitsetPairs); // the first rows: still in collection order
     }
@@ -114,10 +127,10 @@ TEST(CrossingResolution, CandidatesSortAsInsertedOneByOne) {
     const bool withNaN = seed % 3 == 0;
     for (DcPair& pair : pairs) {
       const int pick = xktest::UniformInt(rng, 0, 9);
-      pair.dDiffGC = pick < 4    ? 0.0
-                     : pick < 6  ? 1.5
+      pair.dDiffGC = pick < 4               ? 0.0
+                     : pick < 6             ? 1.5
                      : pick == 6 && withNaN ? std::numeric_limits<double>::quiet_NaN()
-                                 : xktest::UniformReal(rng, 0.0, 3.0);
+                                            : xktest::UniformReal(rng, 0.0, 3.0);
     }
     std::vector<DcPair*> candidates;
     for (DcPair& pair : pairs) {

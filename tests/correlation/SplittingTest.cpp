@@ -220,8 +220,8 @@ TEST_F(SplittingTest, ManyPairsAreMatchedAsTheirFullListWouldBe) {
   for (uint64_t seed = 1; seed <= 120; ++seed) {
     std::mt19937_64 rng(seed);
     xktest::RandomBoreholeOptions opt;
-    opt.minStrata = 20;
-    opt.maxStrata = 90;
+    opt.minStrata = 40;
+    opt.maxStrata = 160;
     opt.codeCount = xktest::UniformInt(rng, 1, 4);
     opt.gridChance = 0.9; // tied keys
     auto one = xktest::RandomBorehole(rng, opt, L"ONE");
