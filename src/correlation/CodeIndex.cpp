@@ -1,6 +1,7 @@
 #include "correlation/CodeIndex.h"
 
 #include <algorithm>
+#include <cwchar>
 
 namespace xkl {
 
@@ -12,10 +13,17 @@ CodeIndex CodeIndex::Build(const DataType::_sZK& zk1, const DataType::_sZK& zk2)
 
 namespace {
 
-// Equality of two codes, inline: codes are a few characters, shorter than a library call.
+// Equality of two codes. Short codes (a legend's letters and numbers) are compared inline, where a
+// library call would cost more than the comparison; long ones (formation names as the BGS lexicon
+// spells them, thirty characters and more) by the library's vectorised comparison.
+constexpr std::size_t kInlineCodeLength = 6;
+
 bool SameCode(const std::wstring& a, const std::wstring& b) {
   if (a.size() != b.size()) {
     return false;
+  }
+  if (a.size() > kInlineCodeLength) {
+    return std::wmemcmp(a.data(), b.data(), a.size()) == 0;
   }
   for (std::size_t k = 0; k < a.size(); ++k) {
     if (a[k] != b[k]) {
@@ -136,8 +144,9 @@ int32_t CodeIndex::IdOf(const std::wstring& code) const {
     }
     return -1;
   }
-  const auto it = std::lower_bound(codes.begin(), codes.end(), code,
-                                   [](const std::wstring* a, const std::wstring& b) { return *a < b; });
+  const auto it =
+      std::lower_bound(codes.begin(), codes.end(), code,
+                       [](const std::wstring* a, const std::wstring& b) { return *a < b; });
   if (it == codes.end() || **it != code) {
     return -1;
   }

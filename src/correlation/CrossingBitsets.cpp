@@ -148,6 +148,10 @@ public:
   std::size_t RowBegin(std::size_t p) const { return static_cast<std::size_t>(m.rowBegin[p]); }
   std::size_t RowEnd(std::size_t p) const { return static_cast<std::size_t>(m.rowEnd[p]); }
   int32_t Column(std::size_t p) const { return m.column[p]; }
+  // The W words of EarlierColumns(p).
+  const uint64_t* EarlierColumnsWords(std::size_t p) const {
+    return &m.earlierColumns[ColumnIndex(p) * W];
+  }
 
 private:
   std::size_t ColumnIndex(std::size_t p) const { return static_cast<std::size_t>(m.column[p]); }
@@ -205,19 +209,20 @@ public:
   }
 
   // The pairs in lower bands than p's, in p's band, and in higher bands.
-  Bits<W> Lower(std::size_t p) const { return Below(m.band[p]); }
-  Bits<W> Same(std::size_t p) const { return Below(m.band[p] + 1u) & ~Below(m.band[p]); }
-  Bits<W> Higher(std::size_t p) const { return ~Below(m.band[p] + 1u); }
+  // The W words of the pairs in lower bands than p's, followed by the W words of the pairs in
+  // bands up to p's.
+  const uint64_t* LowerWords(std::size_t p) const { return &m.lowerBands[m.band[p] * W]; }
 
 private:
-  Bits<W> Below(std::size_t band) const { return Bits<W>::Load(&m.lowerBands[band * W]); }
-
   BitsetBuffers& m;
 };
 
 // The first sweep. Every live later pair that crosses a meets it: the one whose mid elevations
 // differ more is dropped, the later one on equal keys (and the later one when a key is not a
 // number). a goes on meeting the others after it has lost. Returns the pairs kept.
+//
+// The pairs a meets lie in later rows, which begin at RowEnd(a) in the list, so only the words
+// from there on are looked at.
 template <std::size_t W>
 Bits<W> FirstSweep(const std::vector<DcPair>& pairs, const PairLayout<W>& layout) {
   Bits<W> live = layout.All();
@@ -225,14 +230,24 @@ Bits<W> FirstSweep(const std::vector<DcPair>& pairs, const PairLayout<W>& layout
     if (!live.Test(a)) {
       continue;
     }
+    const std::size_t from = layout.RowEnd(a);
+    const uint64_t* earlier = layout.EarlierColumnsWords(a);
+    const double key = pairs[a].dDiffGC;
     bool lost = false;
-    (live & layout.LaterRows(a) & layout.EarlierColumns(a)).ForEach([&](std::size_t b) {
-      if (pairs[a].dDiffGC > pairs[b].dDiffGC) {
-        lost = true;
-      } else {
-        live.Reset(b);
+    for (std::size_t w = from / kWordBits; w < W; ++w) {
+      uint64_t met = live.word[w] & earlier[w];
+      if (w == from / kWordBits) {
+        met &= ~uint64_t{0} << (from % kWordBits);
       }
-    });
+      for (; met != 0; met &= met - 1) {
+        const std::size_t b = w * kWordBits + static_cast<std::size_t>(std::countr_zero(met));
+        if (key > pairs[b].dDiffGC) {
+          lost = true;
+        } else {
+          live.Reset(b);
+        }
+      }
+    }
     if (lost) {
       live.Reset(a);
     }
@@ -240,7 +255,9 @@ Bits<W> FirstSweep(const std::vector<DcPair>& pairs, const PairLayout<W>& layout
   return live;
 }
 
-// The same sweep with the meetings settled a band of keys at a time, for more pairs.
+// The same sweep with the meetings settled a band of keys at a time, for more pairs: the met pairs
+// of higher bands have the greater key and are dropped, one of a lower band beats a, and only
+// those of a's own band are compared one by one.
 template <std::size_t W>
 Bits<W> FirstSweepByBands(const std::vector<DcPair>& pairs, const PairLayout<W>& layout,
                           BitsetBuffers& buffers) {
@@ -250,22 +267,37 @@ Bits<W> FirstSweepByBands(const std::vector<DcPair>& pairs, const PairLayout<W>&
     if (!live.Test(a)) {
       continue;
     }
-    const Bits<W> met = live & layout.LaterRows(a) & layout.EarlierColumns(a);
+    const std::size_t from = layout.RowEnd(a);
+    const uint64_t* earlier = layout.EarlierColumnsWords(a);
+    const uint64_t* lower = bands.LowerWords(a); // the pairs of the bands below a's
+    const uint64_t* upTo = lower + W;            // and of the bands up to a's
     const double key = pairs[a].dDiffGC;
-    if (std::isnan(key)) {
-      live = live & ~met; // compares greater than nothing: every pair it meets is dropped
-      continue;
-    }
-    // Pairs of higher bands have the greater key and are dropped; one of a lower band beats a.
-    live = live & ~(met & bands.Higher(a));
-    bool lost = (met & bands.Lower(a)).Any();
-    (met & bands.Same(a)).ForEach([&](std::size_t b) {
-      if (key > pairs[b].dDiffGC) {
-        lost = true;
-      } else {
-        live.Reset(b);
+    // A key that is not a number compares greater than nothing: every pair it meets is dropped.
+    const bool notANumber = std::isnan(key);
+    bool lost = false;
+    for (std::size_t w = from / kWordBits; w < W; ++w) {
+      uint64_t met = live.word[w] & earlier[w];
+      if (w == from / kWordBits) {
+        met &= ~uint64_t{0} << (from % kWordBits);
       }
-    });
+      if (met == 0) {
+        continue;
+      }
+      if (notANumber) {
+        live.word[w] &= ~met;
+        continue;
+      }
+      lost = lost || (met & lower[w]) != 0;
+      live.word[w] &= ~(met & ~upTo[w]);
+      for (uint64_t same = met & upTo[w] & ~lower[w]; same != 0; same &= same - 1) {
+        const std::size_t b = w * kWordBits + static_cast<std::size_t>(std::countr_zero(same));
+        if (key > pairs[b].dDiffGC) {
+          lost = true;
+        } else {
+          live.Reset(b);
+        }
+      }
+    }
     if (lost) {
       live.Reset(a);
     }
