@@ -269,36 +269,32 @@ Bits<W> FirstSweepByBands(const std::vector<DcPair>& pairs, const PairLayout<W>&
     }
     const std::size_t from = layout.RowEnd(a);
     const uint64_t* earlier = layout.EarlierColumnsWords(a);
+    const double key = pairs[a].dDiffGC;
+    uint64_t laterRows = ~uint64_t{0} << (from % kWordBits); // in the first word looked at
+    if (std::isnan(key)) {
+      // A key that is not a number compares greater than nothing: every pair it meets is dropped.
+      for (std::size_t w = from / kWordBits; w < W; ++w, laterRows = ~uint64_t{0}) {
+        live.word[w] &= ~(earlier[w] & laterRows);
+      }
+      continue;
+    }
     const uint64_t* lower = bands.LowerWords(a); // the pairs of the bands below a's
     const uint64_t* upTo = lower + W;            // and of the bands up to a's
-    const double key = pairs[a].dDiffGC;
-    // A key that is not a number compares greater than nothing: every pair it meets is dropped.
-    const bool notANumber = std::isnan(key);
-    bool lost = false;
-    for (std::size_t w = from / kWordBits; w < W; ++w) {
-      uint64_t met = live.word[w] & earlier[w];
-      if (w == from / kWordBits) {
-        met &= ~uint64_t{0} << (from % kWordBits);
-      }
-      if (met == 0) {
-        continue;
-      }
-      if (notANumber) {
-        live.word[w] &= ~met;
-        continue;
-      }
-      lost = lost || (met & lower[w]) != 0;
+    uint64_t beaten = 0;
+    for (std::size_t w = from / kWordBits; w < W; ++w, laterRows = ~uint64_t{0}) {
+      const uint64_t met = live.word[w] & earlier[w] & laterRows;
+      beaten |= met & lower[w];
       live.word[w] &= ~(met & ~upTo[w]);
       for (uint64_t same = met & upTo[w] & ~lower[w]; same != 0; same &= same - 1) {
         const std::size_t b = w * kWordBits + static_cast<std::size_t>(std::countr_zero(same));
         if (key > pairs[b].dDiffGC) {
-          lost = true;
+          beaten |= 1;
         } else {
           live.Reset(b);
         }
       }
     }
-    if (lost) {
+    if (beaten != 0) {
       live.Reset(a);
     }
   }
