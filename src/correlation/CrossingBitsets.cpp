@@ -1,6 +1,7 @@
-// Settling crossing pairs when there are a few hundred at most, as in ordinary logs: every set of
-// pairs is a bitset over the positions in the pair list, so that "the live pairs after a that
-// cross it" is a handful of word operations.
+// Settling crossing pairs when there are a thousand at most, as in ordinary logs (a unit sampled
+// again and again in both holes gives a few hundred): every set of pairs is a bitset over the
+// positions in the pair list, so that "the live pairs after a that cross it" is a handful of word
+// operations.
 //
 // The pairs are in collection order, sorted by borehole-1 index (row) and then borehole-2 index
 // (column). A later pair b crosses a exactly when b lies in a later row and in an earlier column;
@@ -165,7 +166,7 @@ private:
 
 // Pairs grouped into bands of their keys, so that most meetings of the first sweep are settled a
 // band at a time: every key of a higher band is greater than every key of a lower one. Finite keys
-// are spread over the lower bands by their distance from the least; infinite keys and keys that
+// are spread over the lower bands by their distance from the least; +infinity and keys that
 // are not numbers share the top band (a key that is not a number is greater than every other key
 // wherever it is met as the later pair's). Rounding keeps the mapping monotone, so a pair in a
 // higher band never has the smaller key; within a band the keys are compared one by one.
@@ -208,7 +209,6 @@ public:
     }
   }
 
-  // The pairs in lower bands than p's, in p's band, and in higher bands.
   // The W words of the pairs in lower bands than p's, followed by the W words of the pairs in
   // bands up to p's.
   const uint64_t* LowerWords(std::size_t p) const { return &m.lowerBands[m.band[p] * W]; }
