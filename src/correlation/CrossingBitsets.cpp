@@ -301,6 +301,9 @@ Bits<W> FirstSweepByBands(const std::vector<DcPair>& pairs, const PairLayout<W>&
   return live;
 }
 
+// Columns a pair that the bitsets take on at most: beyond, the columns cost more than the pairs.
+constexpr std::size_t kColumnsPerPair = 8;
+
 // Below this many pairs, meeting them one by one costs less than sorting them into bands.
 constexpr std::size_t kBandedSweepPairs = 64;
 
@@ -372,6 +375,14 @@ template <std::size_t W> void Resolve(std::vector<DcPair>& pairs, BitsetBuffers&
 bool ResolveCrossingsByBitsets(std::vector<DcPair>& pairs, BitsetBuffers& buffers) {
   if (pairs.size() < 2) {
     return true;
+  }
+  // The sets of earlier columns take W words a column: a few pairs spread over thousands of
+  // columns (a rare code against a long log) are left to the sweep.
+  const auto [lowest, highest] = std::minmax_element(
+      pairs.begin(), pairs.end(), [](const DcPair& a, const DcPair& b) { return a.nDC2 < b.nDC2; });
+  const auto columns = static_cast<std::size_t>(highest->nDC2 - lowest->nDC2) + 1;
+  if (columns > kColumnsPerPair * pairs.size() + kWordBits) {
+    return false;
   }
   if (pairs.size() <= kWordBits) {
     Resolve<1>(pairs, buffers);

@@ -33,7 +33,8 @@ inline double SweepKey(double dDiffGC) {
 // pairs that lost for good. Chooses the method by the number of pairs.
 void ResolveCrossings(std::vector<DcPair>& pairs, Workspace& work);
 
-// Sets of pairs as bitsets, for at most kMaxBitsetPairs pairs; false (and nothing done) for more.
+// Sets of pairs as bitsets, for at most kMaxBitsetPairs pairs over not too many columns; false (and
+// nothing done) otherwise.
 constexpr std::size_t kMaxBitsetPairs = 1024;
 bool ResolveCrossingsByBitsets(std::vector<DcPair>& pairs, BitsetBuffers& buffers);
 // A sweep over a segment tree: n log n in the number of pairs.

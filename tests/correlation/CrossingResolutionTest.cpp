@@ -98,6 +98,33 @@ TEST(CrossingResolution, BitsetsAndSweepTreeDecideAlike) {
   EXPECT_GT(withReadmission, 30); // the second chance was exercised, not only the first sweep
 }
 
+// A rare code against a long log: a few pairs spread over thousands of columns go to the sweep,
+// which settles them alike.
+TEST(CrossingResolution, FewPairsOverManyColumnsAreLeftToTheSweep) {
+  xkl::Workspace work;
+  const std::vector<DcPair> pairs{
+      {3, 5000, 2.0, false}, {3, 9000, 1.0, false}, {8, 10, 0.5, false}, {9, 20, 3.0, false}};
+  std::vector<DcPair> byBitsets = pairs;
+  EXPECT_FALSE(xkl::ResolveCrossingsByBitsets(byBitsets, work.bitsets));
+  for (std::size_t p = 0; p < pairs.size(); ++p) {
+    EXPECT_FALSE(byBitsets[p].bDrop);
+    EXPECT_EQ(byBitsets[p].dDiffGC, pairs[p].dDiffGC);
+  }
+  std::vector<DcPair> resolved = pairs;
+  xkl::ResolveCrossings(resolved, work);
+  std::vector<DcPair> bySweep = pairs;
+  xkl::ResolveCrossingsBySweep(bySweep, work.sweep);
+  for (std::size_t p = 0; p < pairs.size(); ++p) {
+    EXPECT_EQ(resolved[p].bDrop, bySweep[p].bDrop) << p;
+  }
+  // (8, 10) crosses both pairs of row 3 and has the least key: they are dropped, and (9, 20),
+  // which crosses them too, stays with it.
+  EXPECT_TRUE(resolved[0].bDrop);
+  EXPECT_TRUE(resolved[1].bDrop);
+  EXPECT_FALSE(resolved[2].bDrop);
+  EXPECT_FALSE(resolved[3].bDrop);
+}
+
 TEST(CrossingResolution, ASinglePairOrNoneIsLeftAlone) {
   xkl::Workspace work;
   std::vector<DcPair> none;
