@@ -301,6 +301,61 @@ Bits<W> FirstSweepByBands(const std::vector<DcPair>& pairs, const PairLayout<W>&
   return live;
 }
 
+// Whether a pair crosses one of the kept pairs. No two kept pairs cross, so they form a staircase:
+// a pair crosses one of them exactly when a kept pair of an earlier row lies in a later column, or
+// one of a later row in an earlier column. For one word of pairs the bitsets answer as fast as the
+// staircase is built; for more, the staircase answers each pair in constant time.
+template <std::size_t W> class KeptStaircase {
+public:
+  static constexpr bool kBuilt = W >= 2;
+
+  KeptStaircase(const PairLayout<W>& layout, const Bits<W>& kept, std::size_t count,
+                BitsetBuffers& buffers)
+      : m_layout(layout), m_kept(kept), m(buffers) {
+    if constexpr (kBuilt) {
+      m.keptBefore.resize(count);
+      m.keptAfter.resize(count);
+      int32_t greatest = -1; // kept column, in the rows so far
+      for (std::size_t row = 0; row < count; row = layout.RowEnd(row)) {
+        int32_t rowGreatest = greatest;
+        for (std::size_t p = row; p < layout.RowEnd(row); ++p) {
+          m.keptBefore[p] = greatest;
+          if (kept.Test(p)) {
+            rowGreatest = std::max(rowGreatest, layout.Column(p));
+          }
+        }
+        greatest = rowGreatest;
+      }
+      int32_t least = std::numeric_limits<int32_t>::max();
+      for (std::size_t end = count; end > 0;) {
+        const std::size_t row = layout.RowBegin(end - 1);
+        int32_t rowLeast = least;
+        for (std::size_t p = row; p < end; ++p) {
+          m.keptAfter[p] = least;
+          if (kept.Test(p)) {
+            rowLeast = std::min(rowLeast, layout.Column(p));
+          }
+        }
+        least = rowLeast;
+        end = row;
+      }
+    }
+  }
+
+  bool Crosses(std::size_t p) const {
+    if constexpr (kBuilt) {
+      return m.keptBefore[p] > m_layout.Column(p) || m.keptAfter[p] < m_layout.Column(p);
+    } else {
+      return (m_layout.Crossing(p) & m_kept).Any();
+    }
+  }
+
+private:
+  const PairLayout<W>& m_layout;
+  const Bits<W>& m_kept;
+  BitsetBuffers& m;
+};
+
 // Columns a pair that the bitsets take on at most: beyond, the columns cost more than the pairs.
 constexpr std::size_t kColumnsPerPair = 8;
 
@@ -313,42 +368,13 @@ template <std::size_t W> void Resolve(std::vector<DcPair>& pairs, BitsetBuffers&
   const Bits<W> live = count < kBandedSweepPairs ? FirstSweep(pairs, layout)
                                                  : FirstSweepByBands(pairs, layout, buffers);
 
-  // The second chance for the dropped pairs that cross no kept pair. No two kept pairs cross, so
-  // the kept pairs form a staircase: a pair crosses one of them exactly when a kept pair of an
-  // earlier row lies in a later column, or one of a later row in an earlier column.
+  // The second chance for the dropped pairs that cross no kept pair.
   const Bits<W> kept = live;
-  std::vector<int32_t>& keptBefore = buffers.keptBefore;
-  std::vector<int32_t>& keptAfter = buffers.keptAfter;
-  keptBefore.resize(count);
-  keptAfter.resize(count);
-  int32_t greatest = -1; // kept column, in the rows so far
-  for (std::size_t row = 0; row < count; row = layout.RowEnd(row)) {
-    int32_t rowGreatest = greatest;
-    for (std::size_t p = row; p < layout.RowEnd(row); ++p) {
-      keptBefore[p] = greatest;
-      if (kept.Test(p)) {
-        rowGreatest = std::max(rowGreatest, layout.Column(p));
-      }
-    }
-    greatest = rowGreatest;
-  }
-  int32_t least = std::numeric_limits<int32_t>::max();
-  for (std::size_t end = count; end > 0;) {
-    const std::size_t row = layout.RowBegin(end - 1);
-    int32_t rowLeast = least;
-    for (std::size_t p = row; p < end; ++p) {
-      keptAfter[p] = least;
-      if (kept.Test(p)) {
-        rowLeast = std::min(rowLeast, layout.Column(p));
-      }
-    }
-    least = rowLeast;
-    end = row;
-  }
   std::vector<DcPair*>& candidates = buffers.candidates;
   candidates.clear();
+  const KeptStaircase<W> staircase(layout, kept, count, buffers);
   (~kept & layout.All()).ForEach([&](std::size_t p) {
-    if (keptBefore[p] > layout.Column(p) || keptAfter[p] < layout.Column(p)) {
+    if (staircase.Crosses(p)) {
       return; // dropped for good
     }
     if (!(layout.SameRow(p) & kept).Any() && !(layout.SameColumn(p) & kept).Any()) {
