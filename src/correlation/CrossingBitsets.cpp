@@ -222,9 +222,10 @@ private:
 // number). a goes on meeting the others after it has lost. Returns the pairs kept.
 //
 // The pairs a meets lie in later rows, which begin at RowEnd(a) in the list, so only the words
-// from there on are looked at.
-template <std::size_t W>
-Bits<W> FirstSweep(const std::vector<DcPair>& pairs, const PairLayout<W>& layout) {
+// from there on are looked at. settle(live, a, w, met) settles a's meetings with the pairs `met`
+// of word w (never none): it drops the losers from live and answers whether a lost.
+template <std::size_t W, class Settle>
+Bits<W> FirstSweep(const std::vector<DcPair>& pairs, const PairLayout<W>& layout, Settle&& settle) {
   Bits<W> live = layout.All();
   for (std::size_t a = 0; a < pairs.size(); ++a) {
     if (!live.Test(a)) {
@@ -232,20 +233,12 @@ Bits<W> FirstSweep(const std::vector<DcPair>& pairs, const PairLayout<W>& layout
     }
     const std::size_t from = layout.RowEnd(a);
     const uint64_t* earlier = layout.EarlierColumnsWords(a);
-    const double key = pairs[a].dDiffGC;
+    uint64_t laterRows = ~uint64_t{0} << (from % kWordBits); // in the first word looked at
     bool lost = false;
-    for (std::size_t w = from / kWordBits; w < W; ++w) {
-      uint64_t met = live.word[w] & earlier[w];
-      if (w == from / kWordBits) {
-        met &= ~uint64_t{0} << (from % kWordBits);
-      }
-      for (; met != 0; met &= met - 1) {
-        const std::size_t b = w * kWordBits + static_cast<std::size_t>(std::countr_zero(met));
-        if (key > pairs[b].dDiffGC) {
-          lost = true;
-        } else {
-          live.Reset(b);
-        }
+    for (std::size_t w = from / kWordBits; w < W; ++w, laterRows = ~uint64_t{0}) {
+      const uint64_t met = live.word[w] & earlier[w] & laterRows;
+      if (met != 0) {
+        lost = settle(live, a, w, met) || lost;
       }
     }
     if (lost) {
@@ -255,50 +248,37 @@ Bits<W> FirstSweep(const std::vector<DcPair>& pairs, const PairLayout<W>& layout
   return live;
 }
 
-// The same sweep with the meetings settled a band of keys at a time, for more pairs: the met pairs
-// of higher bands have the greater key and are dropped, one of a lower band beats a, and only
-// those of a's own band are compared one by one.
+// Meets the pairs of `met` one by one, dropping those whose key is not less than a's.
 template <std::size_t W>
-Bits<W> FirstSweepByBands(const std::vector<DcPair>& pairs, const PairLayout<W>& layout,
-                          BitsetBuffers& buffers) {
-  const KeyBands<W> bands(pairs, buffers);
-  Bits<W> live = layout.All();
-  for (std::size_t a = 0; a < pairs.size(); ++a) {
-    if (!live.Test(a)) {
-      continue;
-    }
-    const std::size_t from = layout.RowEnd(a);
-    const uint64_t* earlier = layout.EarlierColumnsWords(a);
-    const double key = pairs[a].dDiffGC;
-    uint64_t laterRows = ~uint64_t{0} << (from % kWordBits); // in the first word looked at
-    if (std::isnan(key)) {
-      // A key that is not a number compares greater than nothing: every pair it meets is dropped.
-      for (std::size_t w = from / kWordBits; w < W; ++w, laterRows = ~uint64_t{0}) {
-        live.word[w] &= ~(earlier[w] & laterRows);
-      }
-      continue;
-    }
-    const uint64_t* lower = bands.LowerWords(a); // the pairs of the bands below a's
-    const uint64_t* upTo = lower + W;            // and of the bands up to a's
-    uint64_t beaten = 0;
-    for (std::size_t w = from / kWordBits; w < W; ++w, laterRows = ~uint64_t{0}) {
-      const uint64_t met = live.word[w] & earlier[w] & laterRows;
-      beaten |= met & lower[w];
-      live.word[w] &= ~(met & ~upTo[w]);
-      for (uint64_t same = met & upTo[w] & ~lower[w]; same != 0; same &= same - 1) {
-        const std::size_t b = w * kWordBits + static_cast<std::size_t>(std::countr_zero(same));
-        if (key > pairs[b].dDiffGC) {
-          beaten |= 1;
-        } else {
-          live.Reset(b);
-        }
-      }
-    }
-    if (beaten != 0) {
-      live.Reset(a);
+bool MeetOneByOne(const std::vector<DcPair>& pairs, Bits<W>& live, std::size_t a, std::size_t w,
+                  uint64_t met) {
+  bool lost = false;
+  for (; met != 0; met &= met - 1) {
+    const std::size_t b = w * kWordBits + static_cast<std::size_t>(std::countr_zero(met));
+    if (pairs[a].dDiffGC > pairs[b].dDiffGC) {
+      lost = true;
+    } else {
+      live.Reset(b);
     }
   }
-  return live;
+  return lost;
+}
+
+// Settles a's meetings a band of keys at a time, for more pairs: the met pairs of higher bands
+// have the greater key and are dropped, one of a lower band beats a, and only those of a's own
+// band are met one by one. A key that is not a number compares greater than nothing: every pair
+// it meets is dropped.
+template <std::size_t W>
+bool MeetByBands(const std::vector<DcPair>& pairs, const KeyBands<W>& bands, Bits<W>& live,
+                 std::size_t a, std::size_t w, uint64_t met) {
+  if (std::isnan(pairs[a].dDiffGC)) {
+    live.word[w] &= ~met;
+    return false;
+  }
+  const uint64_t lower = bands.LowerWords(a)[w];    // the pairs of the bands below a's
+  const uint64_t upTo = bands.LowerWords(a)[W + w]; // and of the bands up to a's
+  live.word[w] &= ~(met & ~upTo);
+  return MeetOneByOne(pairs, live, a, w, met & upTo & ~lower) || (met & lower) != 0;
 }
 
 // Whether a pair crosses one of the kept pairs. No two kept pairs cross, so they form a staircase:
@@ -365,8 +345,19 @@ constexpr std::size_t kBandedSweepPairs = 64;
 template <std::size_t W> void Resolve(std::vector<DcPair>& pairs, BitsetBuffers& buffers) {
   const PairLayout<W> layout(pairs, buffers);
   const std::size_t count = pairs.size();
-  const Bits<W> live = count < kBandedSweepPairs ? FirstSweep(pairs, layout)
-                                                 : FirstSweepByBands(pairs, layout, buffers);
+  Bits<W> live;
+  if (count < kBandedSweepPairs) {
+    live =
+        FirstSweep(pairs, layout, [&](Bits<W>& bits, std::size_t a, std::size_t w, uint64_t met) {
+          return MeetOneByOne(pairs, bits, a, w, met);
+        });
+  } else {
+    const KeyBands<W> bands(pairs, buffers);
+    live =
+        FirstSweep(pairs, layout, [&](Bits<W>& bits, std::size_t a, std::size_t w, uint64_t met) {
+          return MeetByBands(pairs, bands, bits, a, w, met);
+        });
+  }
 
   // The second chance for the dropped pairs that cross no kept pair.
   const Bits<W> kept = live;
