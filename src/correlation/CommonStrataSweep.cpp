@@ -8,10 +8,10 @@
 #include "correlation/Correlation.h"
 #include "correlation/CrossingResolution.h"
 #include "correlation/CrossingSweep.h"
+#include "correlation/KeptStaircase.h"
 #include "correlation/Workspace.h"
 
 #include <algorithm>
-#include <climits>
 #include <cmath>
 
 namespace xkl {
@@ -151,12 +151,8 @@ void MatchManyCommonStrata(const CorrelationState& state, const PairingRange& ra
   CodeLayout layout(codes.ids1, range, b);
   SweepCrossingPairs(layout, columns, sweep);
 
-  // The staircase of the kept pairs: per row, the greatest kept column above it and the least
-  // below it. A dropped pair outside the staircase crosses a kept pair and gets no second chance.
-  std::vector<int32_t>& keptMaxBefore = sweep.keptMaxBefore;
-  std::vector<int32_t>& keptMinAfter = sweep.keptMinAfter;
-  keptMaxBefore.assign(rows + 1, INT_MIN);
-  keptMinAfter.assign(rows + 1, INT_MAX);
+  // The staircase of the kept pairs. A dropped pair that crosses it gets no second chance and is
+  // never listed.
   const auto forEachPair = [&](auto&& visit) {
     for (std::size_t r = 0; r < rows; ++r) {
       const int32_t code = codes.ids1[Index(range.first1) + r];
@@ -171,20 +167,15 @@ void MatchManyCommonStrata(const CorrelationState& state, const PairingRange& ra
       }
     }
   };
+  KeptStaircase staircase(sweep.keptMaxBefore, sweep.keptMinAfter, rows);
   forEachPair([&](std::size_t r, int32_t column, bool dropped) {
     if (!dropped) {
-      keptMaxBefore[r + 1] = std::max(keptMaxBefore[r + 1], column);
-      keptMinAfter[r] = std::min(keptMinAfter[r], column);
+      staircase.Add(r, column);
     }
   });
-  for (std::size_t r = 0; r < rows; ++r) {
-    keptMaxBefore[r + 1] = std::max(keptMaxBefore[r], keptMaxBefore[r + 1]);
-  }
-  for (std::size_t r = rows; r-- > 0;) {
-    keptMinAfter[r] = std::min(keptMinAfter[r], keptMinAfter[r + 1]);
-  }
+  staircase.Close();
   forEachPair([&](std::size_t r, int32_t column, bool dropped) {
-    if (dropped && (keptMaxBefore[r] > column || keptMinAfter[r + 1] < column)) {
+    if (dropped && staircase.Crosses(r, column)) {
       return;
     }
     DcPair& pair = pairs.emplace_back();

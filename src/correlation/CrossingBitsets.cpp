@@ -7,6 +7,7 @@
 // (column). A later pair b crosses a exactly when b lies in a later row and in an earlier column;
 // an earlier pair crosses a when it lies in an earlier row and a later column.
 #include "correlation/CrossingResolution.h"
+#include "correlation/KeptStaircase.h"
 
 #include <algorithm>
 #include <array>
@@ -281,61 +282,6 @@ bool MeetByBands(const std::vector<DcPair>& pairs, const KeyBands<W>& bands, Bit
   return MeetOneByOne(pairs, live, a, w, met & upTo & ~lower) || (met & lower) != 0;
 }
 
-// Whether a pair crosses one of the kept pairs. No two kept pairs cross, so they form a staircase:
-// a pair crosses one of them exactly when a kept pair of an earlier row lies in a later column, or
-// one of a later row in an earlier column. For one word of pairs the bitsets answer as fast as the
-// staircase is built; for more, the staircase answers each pair in constant time.
-template <std::size_t W> class KeptStaircase {
-public:
-  static constexpr bool kBuilt = W >= 2;
-
-  KeptStaircase(const PairLayout<W>& layout, const Bits<W>& kept, std::size_t count,
-                BitsetBuffers& buffers)
-      : m_layout(layout), m_kept(kept), m(buffers) {
-    if constexpr (kBuilt) {
-      m.keptBefore.resize(count);
-      m.keptAfter.resize(count);
-      int32_t greatest = -1; // kept column, in the rows so far
-      for (std::size_t row = 0; row < count; row = layout.RowEnd(row)) {
-        int32_t rowGreatest = greatest;
-        for (std::size_t p = row; p < layout.RowEnd(row); ++p) {
-          m.keptBefore[p] = greatest;
-          if (kept.Test(p)) {
-            rowGreatest = std::max(rowGreatest, layout.Column(p));
-          }
-        }
-        greatest = rowGreatest;
-      }
-      int32_t least = std::numeric_limits<int32_t>::max();
-      for (std::size_t end = count; end > 0;) {
-        const std::size_t row = layout.RowBegin(end - 1);
-        int32_t rowLeast = least;
-        for (std::size_t p = row; p < end; ++p) {
-          m.keptAfter[p] = least;
-          if (kept.Test(p)) {
-            rowLeast = std::min(rowLeast, layout.Column(p));
-          }
-        }
-        least = rowLeast;
-        end = row;
-      }
-    }
-  }
-
-  bool Crosses(std::size_t p) const {
-    if constexpr (kBuilt) {
-      return m.keptBefore[p] > m_layout.Column(p) || m.keptAfter[p] < m_layout.Column(p);
-    } else {
-      return (m_layout.Crossing(p) & m_kept).Any();
-    }
-  }
-
-private:
-  const PairLayout<W>& m_layout;
-  const Bits<W>& m_kept;
-  BitsetBuffers& m;
-};
-
 // Columns a pair that the bitsets take on at most: beyond, the columns cost more than the pairs.
 constexpr std::size_t kColumnsPerPair = 8;
 
@@ -359,13 +305,25 @@ template <std::size_t W> void Resolve(std::vector<DcPair>& pairs, BitsetBuffers&
         });
   }
 
-  // The second chance for the dropped pairs that cross no kept pair.
+  // The second chance for the dropped pairs that cross no kept pair. For one word of pairs the
+  // bitsets tell that as fast as the staircase of the kept pairs is built; for more, the staircase
+  // tells it for each pair in constant time.
   const Bits<W> kept = live;
+  const int32_t firstRow = pairs.front().nDC1;
+  const auto row = [&](std::size_t p) {
+    return static_cast<std::size_t>(pairs[p].nDC1 - firstRow);
+  };
+  KeptStaircase staircase(buffers.keptBefore, buffers.keptAfter, W > 1 ? row(count - 1) + 1 : 0);
+  if constexpr (W > 1) {
+    kept.ForEach([&](std::size_t p) { staircase.Add(row(p), pairs[p].nDC2); });
+    staircase.Close();
+  }
   std::vector<DcPair*>& candidates = buffers.candidates;
   candidates.clear();
-  const KeptStaircase<W> staircase(layout, kept, count, buffers);
   (~kept & layout.All()).ForEach([&](std::size_t p) {
-    if (staircase.Crosses(p)) {
+    const bool crossesKept =
+        W > 1 ? staircase.Crosses(row(p), pairs[p].nDC2) : (layout.Crossing(p) & kept).Any();
+    if (crossesKept) {
       return; // dropped for good
     }
     if (!(layout.SameRow(p) & kept).Any() && !(layout.SameColumn(p) & kept).Any()) {

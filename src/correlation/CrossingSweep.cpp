@@ -4,6 +4,7 @@
 #include "correlation/CrossingSweep.h"
 
 #include "correlation/CrossingResolution.h"
+#include "correlation/KeptStaircase.h"
 
 #include <algorithm>
 #include <climits>
@@ -106,26 +107,19 @@ void ReadmitDroppedPairs(std::vector<DcPair>& pairs, SweepBuffers& m) {
   const std::size_t columns = Index(lastColumn - firstColumn) + 1;
   const auto row = [firstRow](const DcPair& pair) { return Index(pair.nDC1 - firstRow); };
   const auto column = [firstColumn](const DcPair& pair) { return Index(pair.nDC2 - firstColumn); };
-  // What the kept pairs say about each row and column: the greatest column of the kept pairs in
-  // the rows before r and the least in the rows after r, and which rows and columns hold one.
-  m.keptMaxBefore.assign(rows + 1, INT_MIN);
-  m.keptMinAfter.assign(rows + 1, INT_MAX);
+  // What the kept pairs say about each row and column: the staircase they form, and which rows
+  // and columns hold one.
+  KeptStaircase staircase(m.keptMaxBefore, m.keptMinAfter, rows);
   m.rowKept.assign(rows, 0);
   m.columnKept.assign(columns, 0);
   for (const DcPair& pair : pairs) {
     if (!pair.bDrop) {
       m.rowKept[row(pair)] = 1;
       m.columnKept[column(pair)] = 1;
-      m.keptMaxBefore[row(pair) + 1] = std::max(m.keptMaxBefore[row(pair) + 1], pair.nDC2);
-      m.keptMinAfter[row(pair)] = std::min(m.keptMinAfter[row(pair)], pair.nDC2);
+      staircase.Add(row(pair), pair.nDC2);
     }
   }
-  for (std::size_t r = 0; r < rows; ++r) {
-    m.keptMaxBefore[r + 1] = std::max(m.keptMaxBefore[r], m.keptMaxBefore[r + 1]);
-  }
-  for (std::size_t r = rows; r-- > 0;) {
-    m.keptMinAfter[r] = std::min(m.keptMinAfter[r], m.keptMinAfter[r + 1]);
-  }
+  staircase.Close();
 
   std::vector<DcPair*>& candidates = m.candidates;
   candidates.clear();
@@ -134,8 +128,7 @@ void ReadmitDroppedPairs(std::vector<DcPair>& pairs, SweepBuffers& m) {
       continue;
     }
     const std::size_t r = row(pair);
-    const bool crossesKept = m.keptMaxBefore[r] > pair.nDC2 || m.keptMinAfter[r + 1] < pair.nDC2;
-    if (crossesKept) {
+    if (staircase.Crosses(r, pair.nDC2)) {
       continue;
     }
     if (!m.rowKept[r] && !m.columnKept[column(pair)]) {

@@ -60,8 +60,8 @@ struct BitsetBuffers {
   std::vector<uint64_t> earlierColumns; // per column: the pairs in the columns before it
   std::vector<uint8_t> band;            // each pair's band of keys
   std::vector<uint64_t> lowerBands;     // per band: the pairs in the bands below it
-  std::vector<int32_t> keptBefore;      // per pair: greatest kept column in the rows before its row
-  std::vector<int32_t> keptAfter;       // per pair: least kept column in the rows after its row
+  std::vector<int32_t> keptBefore;      // the staircase of the kept pairs (KeptStaircase)
+  std::vector<int32_t> keptAfter;
   std::vector<DcPair*> candidates;
 };
 
