@@ -101,6 +101,8 @@ TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
             "site.ags:12: field LOCA_ID, site.ags:21: field GEOL_GEOL");
   EXPECT_EQ(set.fields.holeTop + " " + set.fields.stratumBottom + " " + Read(kSite3).fields.holeTop,
             "LOCA_GL GEOL_BASE HOLE_GL");
+  // 4.08 - 2.4 is the elevation 1.68 as written, not the double next to it.
+  EXPECT_EQ(Read(kSite3).holes[0].strata[1].dc.dBotGC, 1.68);
 }
 
 TEST(AgsReaderTest, MatchesHeadingsByNameNotPosition) {

@@ -37,6 +37,11 @@ TEST(CsvReaderTest, ReadsOneRowPerStratumWithDepthsBelowTheCollar) {
   EXPECT_EQ(set.fields.stratumTop, "FROM");
   EXPECT_TRUE(ValidateBoreholes(set).empty());
   EXPECT_EQ(Summary(Read(testing::WithBomAndCrlf(kDepths))), kExpected);
+  // Depths are taken from the ground level in decimals: 10.68 - 9.3 is 1.38 as written.
+  const auto decimals = Read("HOLEID,EASTING,NORTHING,RL,FROM,TO,CODE\n"
+                             "BH1,100,200,10.68,0,9.3,SAND\nBH2,150,200,48,0,4,SAND\n");
+  ASSERT_NE(10.68 - 9.3, 1.38);
+  EXPECT_EQ(decimals.holes[0].strata[0].dc.dBotGC, 1.38);
 }
 
 TEST(CsvReaderTest, HeaderAliasesIgnoreCaseSpacesAndUnits) {

@@ -90,6 +90,27 @@ TEST(NumbersTest, DecimalNumbersAsWrittenAndNothingElse) {
   EXPECT_EQ(TrimSpaces("  BH 01\t"), "BH 01");
 }
 
+TEST(NumbersTest, ElevationsFromDepthsAreTheDecimalDifference) {
+  const auto decimal = [](const char* text) { return ParseDecimal(text, kWhere); };
+  EXPECT_EQ(decimal(" 12.170 ").places, 3);
+  EXPECT_EQ(decimal("-7").places, 0);
+  EXPECT_EQ(decimal("5.").places, 0);
+  EXPECT_EQ(decimal("1.5e2").places, -1);
+  EXPECT_EQ(decimal("nan").places, -1);
+  EXPECT_EQ(decimal("+3.25").value, 3.25);
+  // Ground level minus depth as binary arithmetic gets it wrong in the last bit.
+  ASSERT_NE(4.08 - 2.4, 1.68);
+  EXPECT_EQ(DecimalDifference(decimal("4.08"), decimal("2.4")), 1.68);
+  EXPECT_EQ(DecimalDifference(decimal("1.66"), decimal("3")), -1.34);
+  EXPECT_EQ(DecimalDifference(decimal("-35.62"), decimal("0.30")), -35.92);
+  EXPECT_EQ(DecimalDifference(decimal("2.4"), decimal("2.40")), 0.0);
+  // Unknown decimals, or too many for the magnitude: the binary difference stands.
+  EXPECT_EQ(DecimalDifference(decimal("4.08"), decimal("24e-1")), 4.08 - 2.4);
+  const Decimal fine = decimal("123456789.123456789");
+  EXPECT_EQ(DecimalDifference(fine, decimal("0.000000001")), fine.value - 1e-9);
+  EXPECT_TRUE(std::isinf(DecimalDifference(decimal("inf"), decimal("1.5"))));
+}
+
 TEST(NumbersTest, MetresShowAtMostFourDecimalsAndEveryDigitBeforeThePoint) {
   EXPECT_EQ(FormatMetres(39.1 - 19.97), "19.13");
   EXPECT_EQ(FormatMetres(5.0), "5");

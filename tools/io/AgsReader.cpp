@@ -176,11 +176,13 @@ private:
     hole.where = Ref(row, m_names.key);
     hole.x = ParseNumber(Value(m_holes, row, m_names.easting), Ref(row, m_names.easting));
     hole.y = ParseNumber(Value(m_holes, row, m_names.northing), Ref(row, m_names.northing));
-    hole.top = ParseNumber(Value(m_holes, row, m_names.groundLevel), Ref(row, m_names.groundLevel));
+    const Decimal ground =
+        ParseDecimal(Value(m_holes, row, m_names.groundLevel), Ref(row, m_names.groundLevel));
+    hole.top = ground.value;
 
     std::vector<std::pair<double, StratumRecord>> strata;
     for (const AgsRow* geolRow : geology->second) {
-      if (auto stratum = ReadStratum(id, hole.top, *geolRow)) {
+      if (auto stratum = ReadStratum(id, ground, *geolRow)) {
         strata.push_back(std::move(*stratum));
       }
     }
@@ -197,7 +199,8 @@ private:
   }
 
   // The stratum and its top depth, or nothing when the row cannot be placed.
-  std::optional<std::pair<double, StratumRecord>> ReadStratum(const std::string& id, double ground,
+  std::optional<std::pair<double, StratumRecord>> ReadStratum(const std::string& id,
+                                                              const Decimal& ground,
                                                               const AgsRow& row) {
     for (const std::string heading : {"GEOL_TOP", "GEOL_BASE"}) {
       if (IsNullField(Value(m_geol, row, heading))) {
@@ -206,8 +209,8 @@ private:
         return std::nullopt;
       }
     }
-    const double topDepth = ParseNumber(Value(m_geol, row, "GEOL_TOP"), Ref(row, "GEOL_TOP"));
-    const double baseDepth = ParseNumber(Value(m_geol, row, "GEOL_BASE"), Ref(row, "GEOL_BASE"));
+    const Decimal topDepth = ParseDecimal(Value(m_geol, row, "GEOL_TOP"), Ref(row, "GEOL_TOP"));
+    const Decimal baseDepth = ParseDecimal(Value(m_geol, row, "GEOL_BASE"), Ref(row, "GEOL_BASE"));
     const auto code = TrimSpaces(Value(m_geol, row, m_codeColumn));
     if (code.empty()) {
       m_set.diagnostics.push_back(
@@ -216,9 +219,9 @@ private:
     StratumRecord stratum;
     stratum.where = Ref(row, m_codeColumn);
     stratum.dc.strName = FromUtf8(code, stratum.where);
-    stratum.dc.dTopGC = ground - topDepth;
-    stratum.dc.dBotGC = ground - baseDepth;
-    return std::make_pair(topDepth, std::move(stratum));
+    stratum.dc.dTopGC = DecimalDifference(ground, topDepth);
+    stratum.dc.dBotGC = DecimalDifference(ground, baseDepth);
+    return std::make_pair(topDepth.value, std::move(stratum));
   }
 
   void CheckFinalDepth(const HoleRecord& hole, const AgsRow& row) {

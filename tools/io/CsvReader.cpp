@@ -78,13 +78,13 @@ std::size_t Require(const std::optional<std::size_t>& column, ColumnRole role, c
 struct Collar {
   double x = 0.0;
   double y = 0.0;
-  std::optional<double> ground;
+  std::optional<Decimal> ground;
   SourceRef where;
 };
 
 struct Interval {
-  double top = 0.0; // as in the file: depth or elevation
-  double base = 0.0;
+  Decimal top; // as in the file: depth or elevation
+  Decimal base;
   std::string code;
   SourceRef where;
 };
@@ -186,7 +186,7 @@ private:
     collar.x = ParseNumber(row.fields[columns.easting], table.Ref(row, columns.easting));
     collar.y = ParseNumber(row.fields[columns.northing], table.Ref(row, columns.northing));
     if (columns.ground) {
-      collar.ground = ParseNumber(row.fields[*columns.ground], table.Ref(row, *columns.ground));
+      collar.ground = ParseDecimal(row.fields[*columns.ground], table.Ref(row, *columns.ground));
     }
     const auto [it, inserted] = m_holes.try_emplace(id);
     if (inserted) {
@@ -209,7 +209,7 @@ private:
     compare(collar.x, first.x, columns.easting);
     compare(collar.y, first.y, columns.northing);
     if (columns.ground) {
-      compare(*collar.ground, *first.ground, *columns.ground);
+      compare(collar.ground->value, first.ground->value, *columns.ground);
     }
     return &it->second;
   }
@@ -251,7 +251,7 @@ private:
       collar.x = ParseNumber(row.fields[columns.easting], table.Ref(row, columns.easting));
       collar.y = ParseNumber(row.fields[columns.northing], table.Ref(row, columns.northing));
       if (columns.ground && !IsNullField(row.fields[*columns.ground])) {
-        collar.ground = ParseNumber(row.fields[*columns.ground], table.Ref(row, *columns.ground));
+        collar.ground = ParseDecimal(row.fields[*columns.ground], table.Ref(row, *columns.ground));
       }
       m_holes[id].collar = collar;
       m_order.push_back(id);
@@ -283,8 +283,8 @@ private:
       }
     }
     Interval interval;
-    interval.top = ParseNumber(row.fields[span.top], table.Ref(row, span.top));
-    interval.base = ParseNumber(row.fields[span.base], table.Ref(row, span.base));
+    interval.top = ParseDecimal(row.fields[span.top], table.Ref(row, span.top));
+    interval.base = ParseDecimal(row.fields[span.base], table.Ref(row, span.base));
     interval.code = TrimSpaces(row.fields[code]);
     interval.where = table.Ref(row, code);
     if (interval.code.empty()) {
@@ -305,8 +305,8 @@ private:
     // Depths grow downwards and elevations fall, so one key orders both from the top down.
     const double sign = m_mode == DepthMode::Depths ? 1.0 : -1.0;
     const auto downwards = [sign](const Interval& a, const Interval& b) {
-      const double ka = sign * a.top;
-      const double kb = sign * b.top;
+      const double ka = sign * a.top.value;
+      const double kb = sign * b.top.value;
       return std::isnan(kb) ? !std::isnan(ka) : !std::isnan(ka) && ka < kb;
     };
     for (const auto& id : m_order) {
@@ -324,22 +324,24 @@ private:
       hole.where = rows.collar.where;
       hole.x = rows.collar.x;
       hole.y = rows.collar.y;
+      Decimal ground;
       if (rows.collar.ground) {
-        hole.top = *rows.collar.ground;
+        ground = *rows.collar.ground;
       } else {
         collarFromStrata = true;
-        hole.top = -HUGE_VAL;
+        ground.value = -HUGE_VAL;
         for (const auto& interval : rows.intervals) {
-          hole.top = std::max(hole.top, interval.top);
+          ground.value = std::max(ground.value, interval.top.value);
         }
       }
+      hole.top = ground.value;
       for (const auto& interval : rows.intervals) {
         StratumRecord stratum;
         stratum.where = interval.where;
         stratum.dc.strName = FromUtf8(interval.code, interval.where);
         const bool depths = m_mode == DepthMode::Depths;
-        stratum.dc.dTopGC = depths ? hole.top - interval.top : interval.top;
-        stratum.dc.dBotGC = depths ? hole.top - interval.base : interval.base;
+        stratum.dc.dTopGC = depths ? DecimalDifference(ground, interval.top) : interval.top.value;
+        stratum.dc.dBotGC = depths ? DecimalDifference(ground, interval.base) : interval.base.value;
         hole.strata.push_back(std::move(stratum));
       }
       m_set.holes.push_back(std::move(hole));

@@ -1,5 +1,6 @@
 #include "Numbers.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -41,6 +42,35 @@ double ParseNumber(std::string_view text, const SourceRef& where) {
     value = std::strtod(std::string(digits).c_str(), nullptr);
   }
   return value;
+}
+
+Decimal ParseDecimal(std::string_view text, const SourceRef& where) {
+  Decimal number{ParseNumber(text, where), -1};
+  const std::string_view digits = TrimSpaces(text);
+  if (std::isfinite(number.value) && digits.find_first_of("eE") == std::string_view::npos) {
+    const auto point = digits.find('.');
+    number.places = point == std::string_view::npos ? 0 : static_cast<int>(digits.size() - point - 1);
+  }
+  return number;
+}
+
+double DecimalDifference(const Decimal& a, const Decimal& b) {
+  const double difference = a.value - b.value;
+  // Beyond 15 decimals the powers of ten stop being exact guides; none of our files comes close.
+  constexpr int kMostPlaces = 15;
+  const int places = std::max(a.places, b.places);
+  if (a.places < 0 || b.places < 0 || places > kMostPlaces || !std::isfinite(difference)) {
+    return difference;
+  }
+  const double scale = std::pow(10.0, places);
+  // Both values are within half an ulp of their decimals and the subtraction adds half an ulp of
+  // the larger; the rounding recovers the decimal result only while that error, scaled, stays far
+  // below half a unit of the last decimal.
+  const double error = std::ldexp(std::max(std::fabs(a.value), std::fabs(b.value)), -50) * scale;
+  if (!(error < 0.25)) {
+    return difference;
+  }
+  return std::round(difference * scale) / scale;
 }
 
 std::string FormatNumber(double value) {

@@ -18,6 +18,23 @@ bool IsNullField(std::string_view text);
 // throws ParseError "not a number: 'abc'" at `where`.
 double ParseNumber(std::string_view text, const SourceRef& where);
 
+// A number as written in a file together with the count of its decimals, so that a difference of
+// two such numbers can be given as decimal arithmetic gives it. `places` is -1 when the text has
+// an exponent or the value is not finite.
+struct Decimal {
+  double value = 0.0;
+  int places = -1;
+};
+
+// ParseNumber, keeping the count of decimals of the text.
+Decimal ParseDecimal(std::string_view text, const SourceRef& where);
+
+// a - b rounded to the decimals the two were written with: an elevation from a ground level and a
+// depth, 10.68 - 9 = 1.68 where binary arithmetic gives 1.6799999999999997. The rounding moves the
+// value by far less than any tolerance; it is left out when the decimals are unknown or so many
+// that the rounding could move the value by more than the binary error.
+double DecimalDifference(const Decimal& a, const Decimal& b);
+
 // The shortest text that reads back to the same double ("95", "0.1", "-12.17").
 std::string FormatNumber(double value);
 
