@@ -171,7 +171,8 @@ extern "C" XKLINKDC_API void LinkDc(const DataType::_sZK& zk1, const DataType::_
                                     DataType::_sLinkRegion& root);
 
 // Appends the section lines between two boreholes to lines, merges coinciding lines, sorts them
-// from the highest down and removes the highest. Not re-entrant, like LinkDc.
+// from the highest down (in the order std::sort leaves) and removes the highest. Not re-entrant,
+// like LinkDc.
 XKLINKDC_API void LinkDcLine(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                              std::vector<DataType::_sLinkLine>& lines);
 

@@ -1,12 +1,21 @@
-// An unstable introspective sort that never leaves its range, whatever the predicate answers.
+// The standard library's unstable sort, step for step, kept inside its range whatever the
+// predicate answers.
 //
-// The ordering of section lines is not a strict weak ordering: equality of plan positions has a
-// tolerance, and which ends are compared changes from pair to pair. libstdc++'s std::sort trusts
-// the predicate in its unguarded insertion and partition loops and may run past the range when the
-// predicate is inconsistent. Every scan here checks its bound instead: an inconsistent predicate
-// yields some permutation of the input and nothing worse; a consistent one sorts.
+// Section lines are ordered with a predicate that is not a strict weak ordering: equality of plan
+// positions has a tolerance, and which ends are compared changes from pair to pair. Under such a
+// predicate the order a sort leaves depends on the sort's own steps, so the lines must go through
+// the same steps as in the standard library's introsort (GCC's libstdc++): median-of-three
+// pivots, an unguarded Hoare partition, a depth limit of twice the binary logarithm with a heap
+// sort beyond it, and a final insertion sort over the first sixteen elements and then the rest.
+// Where libstdc++ trusts the predicate to stop a scan (its "unguarded" loops), it may run past the
+// range when the predicate is inconsistent; here every such scan stops at the ends of the whole
+// range, as if an element that compares false with everything stood on either side. Whenever
+// std::sort stays inside the range, this sort makes the same comparisons and leaves the same
+// order; where it would not, this one still leaves a permutation of the range.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <iterator>
 #include <utility>
@@ -15,132 +24,185 @@ namespace xkl {
 
 namespace sort_detail {
 
-// Below this many elements, insertion sort beats partitioning.
+// Ranges up to this size are left to the final insertion sort.
 inline constexpr std::ptrdiff_t kInsertionThreshold = 16;
 
-template <class RandomIt, class Less>
-void InsertionSort(RandomIt first, RandomIt last, Less& less) {
-  if (last - first < 2) {
-    return;
+template <class RandomIt, class Less> class IntroSorter {
+public:
+  IntroSorter(RandomIt begin, RandomIt end, Less& less) : m_begin(begin), m_end(end), m_less(less) {}
+
+  void Sort() {
+    if (m_begin == m_end) {
+      return;
+    }
+    const auto size = static_cast<std::size_t>(m_end - m_begin);
+    IntroLoop(m_begin, m_end, 2 * (static_cast<std::ptrdiff_t>(std::bit_width(size)) - 1));
+    FinalInsertionSort();
   }
-  for (RandomIt i = first + 1; i != last; ++i) {
+
+private:
+  using Distance = std::ptrdiff_t;
+
+  void IntroLoop(RandomIt first, RandomIt last, Distance depthLimit) {
+    while (last - first > kInsertionThreshold) {
+      if (depthLimit == 0) {
+        HeapSort(first, last);
+        return;
+      }
+      --depthLimit;
+      const RandomIt cut = PartitionAroundMedian(first, last);
+      IntroLoop(cut, last, depthLimit);
+      last = cut;
+    }
+  }
+
+  // Swaps the median of *a, *b and *c (as the predicate sees it) into *result.
+  void MoveMedianToFirst(RandomIt result, RandomIt a, RandomIt b, RandomIt c) {
+    if (m_less(*a, *b)) {
+      if (m_less(*b, *c)) {
+        std::iter_swap(result, b);
+      } else if (m_less(*a, *c)) {
+        std::iter_swap(result, c);
+      } else {
+        std::iter_swap(result, a);
+      }
+    } else if (m_less(*a, *c)) {
+      std::iter_swap(result, a);
+    } else if (m_less(*b, *c)) {
+      std::iter_swap(result, c);
+    } else {
+      std::iter_swap(result, b);
+    }
+  }
+
+  RandomIt PartitionAroundMedian(RandomIt first, RandomIt last) {
+    MoveMedianToFirst(first, first + 1, first + (last - first) / 2, last - 1);
+    return Partition(first + 1, last, first);
+  }
+
+  // Hoare partition around *pivot. The scans may leave [first, last) when the predicate is
+  // inconsistent, as libstdc++'s do, but not the whole range.
+  RandomIt Partition(RandomIt first, RandomIt last, RandomIt pivot) {
+    for (;;) {
+      while (first != m_end && m_less(*first, *pivot)) {
+        ++first;
+      }
+      --last;
+      while (m_less(*pivot, *last)) {
+        if (last == m_begin) {
+          return first; // the scan would leave the range; first lies beyond the pivot
+        }
+        --last;
+      }
+      if (!(first < last)) {
+        return first;
+      }
+      std::iter_swap(first, last);
+      ++first;
+    }
+  }
+
+  // Moves *i down past the elements it is less than, not below the start of the range.
+  void LinearInsert(RandomIt i) {
     auto value = std::move(*i);
     RandomIt hole = i;
-    while (hole != first && less(value, *(hole - 1))) {
+    while (hole != m_begin && m_less(value, *(hole - 1))) {
       *hole = std::move(*(hole - 1));
       --hole;
     }
     *hole = std::move(value);
   }
-}
 
-template <class RandomIt, class Less>
-void SiftDown(RandomIt first, std::ptrdiff_t root, std::ptrdiff_t size, Less& less) {
-  for (;;) {
-    std::ptrdiff_t child = 2 * root + 1;
-    if (child >= size) {
+  void InsertionSort(RandomIt first, RandomIt last) {
+    if (first == last) {
       return;
     }
-    if (child + 1 < size && less(*(first + child), *(first + child + 1))) {
-      ++child;
+    for (RandomIt i = first + 1; i != last; ++i) {
+      if (m_less(*i, *first)) {
+        auto value = std::move(*i);
+        std::move_backward(first, i, i + 1);
+        *first = std::move(value);
+      } else {
+        LinearInsert(i);
+      }
     }
-    if (!less(*(first + root), *(first + child))) {
-      return;
-    }
-    std::iter_swap(first + root, first + child);
-    root = child;
   }
-}
 
-template <class RandomIt, class Less>
-void HeapSort(RandomIt first, RandomIt last, Less& less) {
-  const std::ptrdiff_t size = last - first;
-  for (std::ptrdiff_t root = size / 2 - 1; root >= 0; --root) {
-    SiftDown(first, root, size, less);
+  void FinalInsertionSort() {
+    if (m_end - m_begin > kInsertionThreshold) {
+      InsertionSort(m_begin, m_begin + kInsertionThreshold);
+      for (RandomIt i = m_begin + kInsertionThreshold; i != m_end; ++i) {
+        LinearInsert(i);
+      }
+    } else {
+      InsertionSort(m_begin, m_end);
+    }
   }
-  for (std::ptrdiff_t end = size - 1; end > 0; --end) {
-    std::iter_swap(first, first + end);
-    SiftDown(first, 0, end, less);
-  }
-}
 
-// Moves the median of the second, middle and last elements to the front as the pivot.
-template <class RandomIt, class Less>
-void MedianToFront(RandomIt first, RandomIt last, Less& less) {
-  RandomIt a = first + 1;
-  RandomIt b = first + (last - first) / 2;
-  RandomIt c = last - 1;
-  if (less(*b, *a)) {
-    std::swap(a, b);
+  // The heap steps of libstdc++'s partial sort over the whole of [first, last); they index only
+  // inside it.
+  template <class Value> void PushHeap(RandomIt first, Distance hole, Distance top, Value value) {
+    Distance parent = (hole - 1) / 2;
+    while (hole > top && m_less(*(first + parent), value)) {
+      *(first + hole) = std::move(*(first + parent));
+      hole = parent;
+      parent = (hole - 1) / 2;
+    }
+    *(first + hole) = std::move(value);
   }
-  if (less(*c, *b)) {
-    b = less(*c, *a) ? a : c;
-  }
-  std::iter_swap(first, b);
-}
 
-// Hoare partition around *first with both scans bounded by each other. Returns the pivot's final
-// position: nothing before it is above the pivot, nothing after it below (for a consistent
-// predicate).
-template <class RandomIt, class Less>
-RandomIt Partition(RandomIt first, RandomIt last, Less& less) {
-  MedianToFront(first, last, less);
-  RandomIt i = first + 1;
-  RandomIt j = last - 1;
-  for (;;) {
-    while (i <= j && less(*i, *first)) {
-      ++i;
+  template <class Value> void AdjustHeap(RandomIt first, Distance hole, Distance length, Value value) {
+    const Distance top = hole;
+    Distance child = hole;
+    while (child < (length - 1) / 2) {
+      child = 2 * (child + 1);
+      if (m_less(*(first + child), *(first + (child - 1)))) {
+        --child;
+      }
+      *(first + hole) = std::move(*(first + child));
+      hole = child;
     }
-    while (i <= j && less(*first, *j)) {
-      --j;
+    if ((length & 1) == 0 && child == (length - 2) / 2) {
+      child = 2 * (child + 1);
+      *(first + hole) = std::move(*(first + (child - 1)));
+      hole = child - 1;
     }
-    if (i >= j) {
-      break;
-    }
-    std::iter_swap(i, j);
-    ++i;
-    --j;
+    PushHeap(first, hole, top, std::move(value));
   }
-  std::iter_swap(first, j);
-  return j;
-}
 
-// Short ranges are finished by insertion sort at once, each on its own: a final pass over the whole
-// range would be quadratic for a predicate that answers true too often.
-template <class RandomIt, class Less>
-void IntroLoop(RandomIt first, RandomIt last, int depthLimit, Less& less) {
-  for (;;) {
-    if (last - first <= kInsertionThreshold) {
-      InsertionSort(first, last, less);
-      return;
-    }
-    if (depthLimit == 0) {
-      HeapSort(first, last, less);
-      return;
-    }
-    --depthLimit;
-    const RandomIt cut = Partition(first, last, less);
-    // Recurse into the part after the pivot, loop on the part before it: the depth limit bounds
-    // the recursion.
-    IntroLoop(cut + 1, last, depthLimit, less);
-    last = cut;
+  void PopHeap(RandomIt first, RandomIt last, RandomIt result) {
+    auto value = std::move(*result);
+    *result = std::move(*first);
+    AdjustHeap(first, Distance{0}, last - first, std::move(value));
   }
-}
+
+  void HeapSort(RandomIt first, RandomIt last) {
+    const Distance length = last - first;
+    if (length >= 2) {
+      for (Distance parent = (length - 2) / 2;; --parent) {
+        auto value = std::move(*(first + parent));
+        AdjustHeap(first, parent, length, std::move(value));
+        if (parent == 0) {
+          break;
+        }
+      }
+    }
+    while (last - first > 1) {
+      --last;
+      PopHeap(first, last, last);
+    }
+  }
+
+  RandomIt m_begin;
+  RandomIt m_end;
+  Less& m_less;
+};
 
 } // namespace sort_detail
 
-// Sorts [first, last) so that, for a strict weak ordering `less`, the result is ascending.
-template <class RandomIt, class Less>
-void BoundedIntroSort(RandomIt first, RandomIt last, Less less) {
-  const std::ptrdiff_t size = last - first;
-  if (size < 2) {
-    return;
-  }
-  int depthLimit = 0;
-  for (std::ptrdiff_t n = size; n > 1; n >>= 1) {
-    depthLimit += 2;
-  }
-  sort_detail::IntroLoop(first, last, depthLimit, less);
+// Sorts [first, last) as std::sort does, without leaving the range under any predicate.
+template <class RandomIt, class Less> void BoundedIntroSort(RandomIt first, RandomIt last, Less less) {
+  sort_detail::IntroSorter<RandomIt, Less>(first, last, less).Sort();
 }
 
 } // namespace xkl

@@ -4,6 +4,7 @@
 // on purpose (mid elevation = (bottom + top) * 0.5, tip = (X2 - X1) * t / dist + X1, and so on).
 #include "reference/ReferenceCorrelation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <stdexcept>
@@ -971,19 +972,24 @@ bool ReferenceIsLineAbove(const _sLinkLine& a, const _sLinkLine& b) {
 }
 
 void ReferenceSortLines(std::vector<_sLinkLine>& lines) {
-  for (std::size_t k = 1; k < lines.size(); ++k) {
-    std::size_t j = k;
-    while (j > 0 && ReferenceIsLineAbove(lines[k], lines[j - 1])) {
-      --j;
-    }
-    if (j != k) {
-      _sLinkLine moving = lines[k];
-      for (std::size_t m = k; m > j; --m) {
-        lines[m] = lines[m - 1];
-      }
-      lines[j] = moving;
-    }
+  // The standard library's sort, on the positions of the lines. A position of -1 stands on either
+  // side and compares false with everything: libstdc++'s unguarded scans, which an inconsistent
+  // predicate could lead out of the range, stop there.
+  std::vector<long> order(lines.size() + 2, -1);
+  for (std::size_t k = 0; k < lines.size(); ++k) {
+    order[k + 1] = static_cast<long>(k);
   }
+  std::sort(order.begin() + 1, order.end() - 1, [&lines](long a, long b) {
+    return a >= 0 && b >= 0 &&
+           ReferenceIsLineAbove(lines[static_cast<std::size_t>(a)],
+                                lines[static_cast<std::size_t>(b)]);
+  });
+  std::vector<_sLinkLine> sorted;
+  sorted.reserve(lines.size());
+  for (std::size_t k = 0; k < lines.size(); ++k) {
+    sorted.push_back(lines[static_cast<std::size_t>(order[k + 1])]);
+  }
+  lines.swap(sorted);
 }
 
 void ReferenceLinkDcLine(const _sZK& zk1, const _sZK& zk2, std::vector<_sLinkLine>& lines) {

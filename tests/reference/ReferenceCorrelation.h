@@ -43,8 +43,8 @@ bool ReferenceIsSameLine(const DataType::_sLinkLine& a, const DataType::_sLinkLi
 void ReferenceMergeSameLines(std::vector<DataType::_sLinkLine>& lines);
 // The ordering predicate: true when a is drawn above b.
 bool ReferenceIsLineAbove(const DataType::_sLinkLine& a, const DataType::_sLinkLine& b);
-// Stable insertion sort by ReferenceIsLineAbove (well defined even though the predicate is not a
-// strict weak ordering for every mix of lines).
+// std::sort by ReferenceIsLineAbove, kept inside the vector although the predicate is not a
+// strict weak ordering for every mix of lines.
 void ReferenceSortLines(std::vector<DataType::_sLinkLine>& lines);
 
 } // namespace reference
