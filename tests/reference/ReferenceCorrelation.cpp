@@ -987,7 +987,7 @@ void ReferenceSortLines(std::vector<_sLinkLine>& lines) {
   std::vector<_sLinkLine> sorted;
   sorted.reserve(lines.size());
   for (std::size_t k = 0; k < lines.size(); ++k) {
-    sorted.push_back(lines[static_cast<std::size_t>(order[k + 1])]);
+    sorted.push_back(std::move(lines[static_cast<std::size_t>(order[k + 1])]));
   }
   lines.swap(sorted);
 }
