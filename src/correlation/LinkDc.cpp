@@ -29,14 +29,15 @@ void CloseRegion(const CorrelationState& state, const _sLinkRegion& region, Regi
   }
 }
 
-// Works on one region and appends what it produces to its own children.
-void ProcessRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion) {
+// Works on one region and appends what it produces to its own children. Answers false for a
+// region with nothing to do, which is left as it is, children included.
+bool ProcessRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion) {
   const CodeIndex& codes = state.Codes();
   if (!HasMixedStrata(codes.ids1, region.nBegin1, region.nEnd1) &&
       !HasMixedStrata(codes.ids2, region.nBegin2, region.nEnd2)) {
     // One code (or none) on each side: nothing to correlate inside, even when the two codes
     // differ; the region stays as it is.
-    return;
+    return false;
   }
   if (region.nType == 0 && HasCommonStratum(state, region)) {
     SplitAndCloseRegion(state, region, region.vecChild, bSubRegion);
@@ -44,6 +45,7 @@ void ProcessRegion(const CorrelationState& state, _sLinkRegion& region, bool bSu
     // Regions made by closing are never split again, only closed again.
     CloseRegion(state, region, region.vecChild);
   }
+  return true;
 }
 
 } // namespace
@@ -76,7 +78,11 @@ void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRe
   while (!stack.empty()) {
     const PendingRegion next = stack.back();
     stack.pop_back();
-    ProcessRegion(state, *next.region, next.bSubRegion);
+    if (!ProcessRegion(state, *next.region, next.bSubRegion)) {
+      // Nothing to do here, and nothing below: regions the walk makes have no children yet, and
+      // those a caller left in a root are not the walk's to visit.
+      continue;
+    }
     RegionList& children = next.region->vecChild;
     for (auto it = children.rbegin(); it != children.rend(); ++it) {
       stack.push_back({&*it, true});

@@ -60,6 +60,17 @@ TEST_F(LinkRegionTest, OneCodePerHoleLeavesTheRootAlone) {
   }
 }
 
+TEST_F(LinkRegionTest, ARegionWithNothingToDoIsNotDescendedInto) {
+  // The region holds one stratum a side; the child the caller left in it holds A over B, which
+  // would be split if it were visited.
+  Load(MakeBorehole(0.0, 0.0, 100.0, {{L"A", 96.0}, {L"B", 91.0}}),
+       MakeBorehole(60.0, 0.0, 99.0, {{L"A", 94.0}}));
+  const auto untouched = With(Region(0, 1, 0, 1), {Region(0, 2, 0, 1)});
+  auto region = untouched;
+  xkl::LinkRegion(state, region, false);
+  EXPECT_TRUE(SameTree(region, untouched));
+}
+
 TEST_F(LinkRegionTest, ClosedRegionWithMixedStrataIsClosedAgainNeverSplit) {
   // A shared by both holes would split a kind-0 region; a wedge or lens is closed as unmatched
   // strata: A of hole 1 first (equal codes), then A of hole 2 above B, then B.
