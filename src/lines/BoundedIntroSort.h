@@ -29,7 +29,8 @@ inline constexpr std::ptrdiff_t kInsertionThreshold = 16;
 
 template <class RandomIt, class Less> class IntroSorter {
 public:
-  IntroSorter(RandomIt begin, RandomIt end, Less& less) : m_begin(begin), m_end(end), m_less(less) {}
+  IntroSorter(RandomIt begin, RandomIt end, Less& less)
+      : m_begin(begin), m_end(end), m_less(less) {}
 
   void Sort() {
     if (m_begin == m_end) {
@@ -151,7 +152,8 @@ private:
     *(first + hole) = std::move(value);
   }
 
-  template <class Value> void AdjustHeap(RandomIt first, Distance hole, Distance length, Value value) {
+  template <class Value>
+  void AdjustHeap(RandomIt first, Distance hole, Distance length, Value value) {
     const Distance top = hole;
     Distance child = hole;
     while (child < (length - 1) / 2) {
@@ -201,7 +203,8 @@ private:
 } // namespace sort_detail
 
 // Sorts [first, last) as std::sort does, without leaving the range under any predicate.
-template <class RandomIt, class Less> void BoundedIntroSort(RandomIt first, RandomIt last, Less less) {
+template <class RandomIt, class Less>
+void BoundedIntroSort(RandomIt first, RandomIt last, Less less) {
   sort_detail::IntroSorter<RandomIt, Less>(first, last, less).Sort();
 }
 

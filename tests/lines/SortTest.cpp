@@ -89,9 +89,8 @@ std::vector<T> StdSortBetweenSentinels(const std::vector<T>& input, const T& sen
   buffer.push_back(sentinel);
   buffer.insert(buffer.end(), input.begin(), input.end());
   buffer.push_back(sentinel);
-  std::sort(buffer.begin() + 1, buffer.end() - 1, [&](const T& a, const T& b) {
-    return !isSentinel(a) && !isSentinel(b) && less(a, b);
-  });
+  std::sort(buffer.begin() + 1, buffer.end() - 1,
+            [&](const T& a, const T& b) { return !isSentinel(a) && !isSentinel(b) && less(a, b); });
   return std::vector<T>(buffer.begin() + 1, buffer.end() - 1);
 }
 
@@ -125,7 +124,9 @@ TEST(BoundedIntroSortTest, LeavesStdSortsOrderUnderAnyRepeatablePredicate) {
                          (static_cast<uint32_t>(b.id) * 40503u) ^ (seed * 97u);
       return ((h >> 7) & 3u) == 0; // true for a quarter of the pairs
     };
-    const auto cyclic = [](const Item& a, const Item& b) { return (b.key % 3 - a.key % 3 + 3) % 3 == 1; };
+    const auto cyclic = [](const Item& a, const Item& b) {
+      return (b.key % 3 - a.key % 3 + 3) % 3 == 1;
+    };
     const auto lessOrEqual = [](const Item& a, const Item& b) { return a.key <= b.key; };
     for (const std::size_t n : {2u, 5u, 16u, 17u, 40u, 100u, 1000u}) {
       SCOPED_TRACE(testing::Message() << "seed " << seed << ", " << n << " elements");
@@ -233,7 +234,8 @@ TEST(BoundedIntroSortTest, SectionLinesEndAsStdSortLeavesThem) {
         std::vector<DataType::_sLinkLine> lines = input;
         lines.shrink_to_fit();
         xkl::BoundedIntroSort(lines.begin(), lines.end(), xkl::IsLineAbove);
-        const auto expected = StdSortBetweenSentinels(input, sentinel, isSentinel, xkl::IsLineAbove);
+        const auto expected =
+            StdSortBetweenSentinels(input, sentinel, isSentinel, xkl::IsLineAbove);
         ASSERT_EQ(lines.size(), expected.size());
         for (std::size_t i = 0; i < lines.size(); ++i) {
           ASSERT_EQ(lines[i].strUpName, expected[i].strUpName) << "at " << i;

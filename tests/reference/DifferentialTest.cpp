@@ -13,8 +13,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
-#include <limits>
 #include <gtest/gtest.h>
+#include <limits>
 #include <random>
 #include <sstream>
 #include <string>

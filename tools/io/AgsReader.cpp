@@ -199,9 +199,8 @@ private:
   }
 
   // The stratum and its top depth, or nothing when the row cannot be placed.
-  std::optional<std::pair<double, StratumRecord>> ReadStratum(const std::string& id,
-                                                              const Decimal& ground,
-                                                              const AgsRow& row) {
+  std::optional<std::pair<double, StratumRecord>>
+  ReadStratum(const std::string& id, const Decimal& ground, const AgsRow& row) {
     for (const std::string heading : {"GEOL_TOP", "GEOL_BASE"}) {
       if (IsNullField(Value(m_geol, row, heading))) {
         m_set.diagnostics.push_back(MakeError(

@@ -49,7 +49,8 @@ Decimal ParseDecimal(std::string_view text, const SourceRef& where) {
   const std::string_view digits = TrimSpaces(text);
   if (std::isfinite(number.value) && digits.find_first_of("eE") == std::string_view::npos) {
     const auto point = digits.find('.');
-    number.places = point == std::string_view::npos ? 0 : static_cast<int>(digits.size() - point - 1);
+    number.places =
+        point == std::string_view::npos ? 0 : static_cast<int>(digits.size() - point - 1);
   }
   return number;
 }
