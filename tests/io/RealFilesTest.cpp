@@ -26,8 +26,8 @@ BoreholeSet ReadReal(const std::string& file, bool merge = false, ReadOptions op
 }
 
 BoreholeSet ReadArarangua(bool merge = false, ReadOptions options = {}) {
-  options.collarFile = kReal / "ararangua/ara_collar.csv";
-  return ReadReal("ararangua/ara_lito.csv", merge, options);
+  options.collarFile = kReal / "../ararangua-gpl3/ara_collar.csv";
+  return ReadReal("../ararangua-gpl3/ara_lito.csv", merge, options);
 }
 
 // "holes/strata".
@@ -185,7 +185,7 @@ TEST(AraranguaTest, LithologiesKeepTheirAccentsAndTheIntervalTableAloneAsksForIt
   EXPECT_EQ(Hole(set, "1ARA-01-SC").strata[3].dc.strName, L"Diab\u00E1sio");
   EXPECT_EQ(Hole(set, "1ARA-01-SC").strata[3].where.line, 5U);
   try {
-    ReadReal("ararangua/ara_lito.csv");
+    ReadReal("../ararangua-gpl3/ara_lito.csv");
     ADD_FAILURE() << "no error";
   } catch (const ParseError& error) {
     EXPECT_EQ(error.Where().line, 1U);

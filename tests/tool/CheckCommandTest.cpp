@@ -13,7 +13,7 @@ TEST(CheckCommandTest, CleanFilePasses) {
 
 TEST(CheckCommandTest, M621OverlapsAreNamedWithFileLineAndField) {
   const std::string m621 = (kRealData / "m621-widening" / "M621_Widening.ags").string();
-  ASSERT_TRUE(fs::exists(m621)) << "real data missing: " << m621 << " (shared/data/real)";
+  ASSERT_TRUE(fs::exists(m621)) << "real data missing: " << m621 << " (tests/data/real)";
   const RunResult run = RunTool({"check", m621});
   EXPECT_EQ(run.exitCode, 2) << run.Describe();
   // The two overlaps as logged, each reported at the lower row's GEOL_TOP (lines read off the
