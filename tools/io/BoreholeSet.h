@@ -22,6 +22,10 @@ struct HoleRecord {
   double x = 0.0;
   double y = 0.0;
   double top = 0.0;                  // collar elevation
+  // False when the file gives no usable ground level for the hole (empty, "-", absent): top is then
+  // 0 and the strata are at minus their depths, so that the hole can still be drawn in depth below
+  // ground when no hole of the section has a ground level.
+  bool groundLevelKnown = true;
   std::vector<StratumRecord> strata; // from the top down
   SourceRef where;
 
@@ -44,6 +48,9 @@ struct BoreholeSet {
   FieldNames fields;
   std::vector<Diagnostic> diagnostics; // what the reader noticed: skipped holes, orphan rows, ...
   std::map<std::string, std::string> skipped; // hole name -> why the reader left it out
+  // What the file says its codes mean (AGS ABBR group: code -> description, such as
+  // "805" -> "Chalk"), for the legend.
+  std::map<std::string, std::string> codeDescriptions;
 };
 
 // The records of the holes, for the correlation.
