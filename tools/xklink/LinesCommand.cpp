@@ -2,8 +2,10 @@
 #include "Commands.h"
 #include "CommonOptions.h"
 #include "Emit.h"
+#include "GisOutput.h"
 #include "JsonOutput.h"
 #include "LinesOutput.h"
+#include "OutputFile.h"
 #include "PairCorrelation.h"
 
 #include <iostream>
@@ -17,6 +19,7 @@ void AddLinesCommand(CLI::App& app) {
     std::string holes;
     std::string format = "json";
     std::string output;
+    std::string crs;
     unsigned jobs = 0;
   };
   auto options = std::make_shared<Options>();
@@ -28,20 +31,38 @@ void AddLinesCommand(CLI::App& app) {
                       "along the section's principal direction)");
   command->add_option("--format", options->format, "Output format")
       ->check(CLI::IsMember({"json", "csv", "geojson"}));
-  command->add_option("-o,--output", options->output, "Write to this file instead of stdout");
+  command->add_option("-o,--output", options->output,
+                      "Write to this file instead of stdout (a .gpkg file: GeoPackage of the holes "
+                      "and lines on the file's grid)");
+  command->add_option("--crs", options->crs,
+                      "Grid of the coordinates as EPSG:NNNN, for GeoJSON (written as WGS 84 "
+                      "longitude, latitude) and GeoPackage (default: the grid the file names, AGS "
+                      "LOCA_GREF)");
   command->add_option("-j,--jobs", options->jobs,
                       "Pairs correlated at once (default 0: one per core)");
   command->footer("Examples:\n"
                   "  xklink lines examples/overview.json\n"
                   "  xklink lines site.ags --holes BH01,BH02,BH03 --format csv\n"
-                  "  xklink lines site.ags --format geojson -o lines.geojson");
+                  "  xklink lines site.ags --format geojson -o lines.geojson\n"
+                  "  xklink lines site.csv --crs EPSG:27700 -o lines.gpkg");
   command->callback([options] {
+    const bool geoPackage = IsGeoPackagePath(options->output);
+    const int grid =
+        geoPackage || options->format == "geojson" ? ResolveGrid(options->input, options->crs) : 0;
     const SectionHoles section =
         LoadSection(options->input, options->holes, DefaultHoles::AlongSection, std::cerr);
-    std::vector<PairResult> results = CorrelateConsecutivePairs(section.holes, options->jobs, false);
+    std::vector<PairResult> results =
+        CorrelateConsecutivePairs(section.holes, options->jobs, false);
     std::vector<PairLines> pairs;
     for (std::size_t i = 0; i < results.size(); ++i) {
       pairs.push_back({section.names[i], section.names[i + 1], std::move(results[i].lines)});
+    }
+    if (geoPackage) {
+      WriteFileAtomically(options->output, LinesToGeoPackage(section, pairs, grid));
+      return;
+    }
+    if (options->format == "geojson") {
+      LinesToWgs84(pairs, grid);
     }
     const std::string text = options->format == "csv"       ? LinesToCsv(pairs)
                              : options->format == "geojson" ? LinesToGeoJson(pairs)

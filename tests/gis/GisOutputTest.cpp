@@ -1,0 +1,195 @@
+// xklink lines as GeoJSON (WGS 84 longitude, latitude) and GeoPackage (the source grid), checked
+// against positions that national mapping agencies publish, worked out here without PROJ or GDAL.
+#include "tool/ToolRunner.h"
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <numbers>
+#include <regex>
+
+namespace xktool {
+namespace {
+
+using json = nlohmann::json;
+
+constexpr double kDegree = std::numbers::pi / 180.0;
+
+struct Geographic {
+  double lon = 0.0; // degrees
+  double lat = 0.0;
+};
+
+// OSGB36 latitude and longitude to WGS 84 with the Ordnance Survey's published seven-parameter
+// Helmert transformation (A guide to coordinate systems in Great Britain): Airy 1830 ellipsoid to
+// Earth-centred cartesian, the shift, rotation and scale, back to latitude on GRS 80. This is what
+// PROJ applies for British National Grid when the OSTN15 grid file is not installed (as with
+// Debian's proj-data); OSTN15 would move the point a few metres more.
+Geographic Osgb36ToWgs84(double latDeg, double lonDeg) {
+  const double phi = latDeg * kDegree;
+  const double lambda = lonDeg * kDegree;
+  double a = 6377563.396;
+  double b = 6356256.909;
+  double e2 = (a * a - b * b) / (a * a);
+  double nu = a / std::sqrt(1 - e2 * std::sin(phi) * std::sin(phi));
+  const double x = nu * std::cos(phi) * std::cos(lambda);
+  const double y = nu * std::cos(phi) * std::sin(lambda);
+  const double z = (1 - e2) * nu * std::sin(phi);
+  const double tx = 446.448, ty = -125.157, tz = 542.060, s = -20.4894e-6;
+  const double rx = 0.1502 / 3600 * kDegree, ry = 0.2470 / 3600 * kDegree,
+               rz = 0.8421 / 3600 * kDegree;
+  const double x2 = tx + (1 + s) * x - rz * y + ry * z;
+  const double y2 = ty + rz * x + (1 + s) * y - rx * z;
+  const double z2 = tz - ry * x + rx * y + (1 + s) * z;
+  a = 6378137.0;
+  b = 6356752.314140;
+  e2 = (a * a - b * b) / (a * a);
+  const double p = std::hypot(x2, y2);
+  double lat = std::atan2(z2, p * (1 - e2));
+  for (int i = 0; i < 10; ++i) {
+    nu = a / std::sqrt(1 - e2 * std::sin(lat) * std::sin(lat));
+    lat = std::atan2(z2 + e2 * nu * std::sin(lat), p);
+  }
+  return {std::atan2(y2, x2) / kDegree, lat / kDegree};
+}
+
+double MetresBetween(const Geographic& a, const Geographic& b) {
+  const double dLon = (a.lon - b.lon) * kDegree * std::cos(a.lat * kDegree);
+  const double dLat = (a.lat - b.lat) * kDegree;
+  return 6371000.0 * std::hypot(dLon, dLat);
+}
+
+// Two holes 50 m apart, BH1 at (e, n), with the grid named in LOCA_GREF (no column when empty).
+std::string TwoHoles(double e, double n, const std::string& grid) {
+  const std::string gridHeading = grid.empty() ? "" : R"(,"LOCA_GREF")";
+  const std::string gridUnit = grid.empty() ? "" : R"(,"")";
+  const std::string gridType = grid.empty() ? "" : R"(,"PA")";
+  const std::string gridValue = grid.empty() ? "" : ",\"" + grid + "\"";
+  const auto number = [](double v) { return std::to_string(v); };
+  return "\"GROUP\",\"LOCA\"\n"
+         "\"HEADING\",\"LOCA_ID\",\"LOCA_NATE\",\"LOCA_NATN\",\"LOCA_GL\"" +
+         gridHeading +
+         "\n"
+         "\"UNIT\",\"\",\"m\",\"m\",\"m\"" +
+         gridUnit +
+         "\n"
+         "\"TYPE\",\"ID\",\"2DP\",\"2DP\",\"2DP\"" +
+         gridType +
+         "\n"
+         "\"DATA\",\"BH1\",\"" +
+         number(e) + "\",\"" + number(n) + "\",\"10.00\"" + gridValue +
+         "\n"
+         "\"DATA\",\"BH2\",\"" +
+         number(e + 50) + "\",\"" + number(n) + "\",\"11.00\"" + gridValue +
+         "\n"
+         "\n\"GROUP\",\"GEOL\"\n"
+         "\"HEADING\",\"LOCA_ID\",\"GEOL_TOP\",\"GEOL_BASE\",\"GEOL_GEOL\"\n"
+         "\"UNIT\",\"\",\"m\",\"m\",\"\"\n"
+         "\"TYPE\",\"ID\",\"2DP\",\"2DP\",\"PA\"\n"
+         "\"DATA\",\"BH1\",\"0.00\",\"2.00\",\"CLAY\"\n"
+         "\"DATA\",\"BH1\",\"2.00\",\"5.00\",\"SAND\"\n"
+         "\"DATA\",\"BH2\",\"0.00\",\"3.00\",\"CLAY\"\n"
+         "\"DATA\",\"BH2\",\"3.00\",\"6.50\",\"SAND\"\n";
+}
+
+// The point of the Ordnance Survey's worked example of the Transverse Mercator formulae: grid
+// E 651409.903 N 313177.270, OSGB36 latitude 52 39 27.2531 N, longitude 1 43 04.5177 E.
+constexpr double kOsE = 651409.903;
+constexpr double kOsN = 313177.270;
+const Geographic kOsWgs84 =
+    Osgb36ToWgs84(52 + 39 / 60.0 + 27.2531 / 3600, 1 + 43 / 60.0 + 4.5177 / 3600);
+
+TEST(GisOutputTest, GeoJsonPlacesTheHoleAtItsPublishedLongitudeAndLatitude) {
+  const struct {
+    std::string grid; // LOCA_GREF
+    std::string crs;  // --crs
+    double e, n;
+    Geographic expected;
+  } cases[] = {
+      {"OSGB", "", kOsE, kOsN, kOsWgs84},
+      {"British National Grid", "", kOsE, kOsN, kOsWgs84},
+      {"", "EPSG:27700", kOsE, kOsN, kOsWgs84},
+      // Irish Transverse Mercator is on ETRS89: its natural origin, 53 30 N 8 W, is E 600000
+      // N 750000 by definition.
+      {"ITM", "", 600000, 750000, {-8.0, 53.5}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.grid + c.crs);
+    TempDir dir;
+    const std::string file = dir.Write("site.ags", TwoHoles(c.e, c.n, c.grid));
+    std::vector<std::string> args{"lines", file, "--holes", "BH1,BH2", "--format", "geojson"};
+    if (!c.crs.empty()) {
+      args.insert(args.end(), {"--crs", c.crs});
+    }
+    const RunResult run = RunTool(args);
+    ASSERT_EQ(run.exitCode, 0) << run.Describe();
+    const json features = json::parse(run.out).at("features");
+    ASSERT_EQ(features.size(), 2u); // the CLAY/SAND boundary and the base
+    for (const json& feature : features) {
+      const json& start = feature.at("geometry").at("coordinates").at(0);
+      const Geographic got{start.at(0), start.at(1)};
+      EXPECT_LT(MetresBetween(got, c.expected), 1.0)
+          << "lon " << got.lon << " lat " << got.lat << ", expected lon " << c.expected.lon
+          << " lat " << c.expected.lat;
+      EXPECT_GT(start.at(2).get<double>(), 4.0); // the elevation is kept
+    }
+  }
+}
+
+TEST(GisOutputTest, AGridIsNeverGuessed) {
+  TempDir dir;
+  const std::string none = dir.Write("none.ags", TwoHoles(kOsE, kOsN, ""));
+  const std::string local = dir.Write("local.ags", TwoHoles(kOsE, kOsN, "Site grid"));
+  std::string mixed = TwoHoles(kOsE, kOsN, "OSGB");
+  mixed.replace(mixed.rfind("\"OSGB\""), 6, "\"ITM\"");
+  const std::string two = dir.Write("two.ags", mixed);
+  ExpectRefused(RunTool({"lines", none, "--format", "geojson"}), {"none.ags", "--crs EPSG:"});
+  ExpectRefused(RunTool({"lines", none, "-o", (dir / "x.gpkg").string()}), {"--crs"});
+  ExpectRefused(RunTool({"lines", local, "--format", "geojson"}),
+                {"local.ags:5: field LOCA_GREF", "'Site grid'", "--crs"});
+  ExpectRefused(RunTool({"lines", two, "--format", "geojson"}),
+                {"two.ags:6: field LOCA_GREF", "'OSGB'", "'ITM'"});
+  ExpectRefused(RunTool({"lines", none, "--format", "geojson", "--crs", "EPSG:99999"}),
+                {"--crs: EPSG:99999"});
+  EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"local.ags", "none.ags", "two.ags"}));
+}
+
+// ogrinfo's summary of one layer: its feature count and the EPSG code of its grid.
+std::pair<int, int> LayerSummary(const std::string& file, const std::string& layer) {
+  const RunResult run = RunProgram({"ogrinfo", "-ro", "-so", file, layer});
+  EXPECT_EQ(run.exitCode, 0) << run.Describe();
+  std::smatch count;
+  std::smatch epsg;
+  const bool found = std::regex_search(run.out, count, std::regex("Feature Count: (\\d+)"));
+  // The last ID of the layer's WKT is that of the coordinate reference system as a whole.
+  const std::regex id("ID\\[\"EPSG\",(\\d+)\\]\\]\\s*(Data axis|Geometry Column|$)");
+  if (!found || !std::regex_search(run.out, epsg, id)) {
+    ADD_FAILURE() << run.Describe();
+    return {-1, -1};
+  }
+  return {std::stoi(count[1]), std::stoi(epsg[1])};
+}
+
+TEST(GisOutputTest, GeoPackageReadsBackOnTheSourceGrid) {
+  TempDir dir;
+  const std::string gpkg = (dir / "lines.gpkg").string();
+  const std::string nle = (kRealData / "nle-battersea" / "21-7-10-NLE.ags").string();
+  const RunResult run = RunTool({"lines", nle, "--crs", "EPSG:27700", "-o", gpkg});
+  ASSERT_EQ(run.exitCode, 0) << run.Describe();
+  std::size_t lines = 0;
+  for (const json& pair : json::parse(RunTool({"lines", nle}).out)) {
+    lines += pair.at("lines").size();
+  }
+  EXPECT_EQ(LayerSummary(gpkg, "holes"), std::make_pair(10, 27700));
+  EXPECT_EQ(LayerSummary(gpkg, "lines"), std::make_pair(static_cast<int>(lines), 27700));
+  // The grid coordinates and ground level as the file gives them.
+  const RunResult bh01 =
+      RunProgram({"ogrinfo", "-ro", "-q", gpkg, "-sql",
+                  "SELECT name, ground_level, depth, ST_X(geom) AS e, ST_Y(geom) AS n FROM holes "
+                  "WHERE name = 'BH01'"});
+  EXPECT_NE(bh01.out.find("ground_level (Real) = 4.08"), std::string::npos) << bh01.Describe();
+  EXPECT_NE(bh01.out.find("e (Real) = 529448.29"), std::string::npos) << bh01.Describe();
+  EXPECT_NE(bh01.out.find("n (Real) = 177496.69"), std::string::npos) << bh01.Describe();
+}
+
+} // namespace
+} // namespace xktool

@@ -1,0 +1,46 @@
+#include "AgsGridReference.h"
+
+#include "AgsGroups.h"
+#include "Numbers.h"
+#include "Text.h"
+
+#include <vector>
+
+namespace xklink {
+
+std::optional<GridReference> ReadAgsGridReference(std::string_view raw, const std::string& file) {
+  const std::string_view bare = StripUtf8Bom(raw);
+  const std::string text =
+      FindInvalidUtf8(bare) ? Windows1252FallbackToUtf8(bare) : std::string(bare);
+  const AgsEdition edition = DetectAgsEdition(text).value_or(AgsEdition::Ags4);
+  const std::string group = edition == AgsEdition::Ags3 ? "HOLE" : "LOCA";
+  const std::string heading = group + "_GREF";
+  std::vector<Diagnostic> ignored; // the reader of the holes reports the problems of the group
+  const AgsFile ags = ReadAgsGroups(text, file, {group}, ignored);
+  const auto found = ags.groups.find(group);
+  if (found == ags.groups.end()) {
+    return std::nullopt;
+  }
+  const auto column = found->second.Column(heading);
+  if (!column) {
+    return std::nullopt;
+  }
+  std::optional<GridReference> grid;
+  for (const AgsRow& row : found->second.rows) {
+    const std::string name(TrimSpaces(row.values[*column]));
+    if (IsNullField(name)) {
+      continue;
+    }
+    if (!grid) {
+      grid = GridReference{name, {file, row.line, heading}};
+    } else if (name != grid->name) {
+      throw ParseError({file, row.line, heading}, "the holes are on two grids, '" + grid->name +
+                                                      "' (line " +
+                                                      std::to_string(grid->where.line) + ") and '" +
+                                                      name + "'; convert them to one grid first");
+    }
+  }
+  return grid;
+}
+
+} // namespace xklink
