@@ -1,72 +1,155 @@
 #include "GeoPackage.h"
 
+#include "SharedLibrary.h"
+
 #include <atomic>
-#include <cpl_conv.h>
 #include <cpl_error.h>
 #include <cpl_vsi.h>
-#include <gdal_priv.h>
-#include <mutex>
-#include <ogrsf_frmts.h>
+#include <gdal.h>
+#include <ogr_api.h>
+#include <ogr_srs_api.h>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace xklink {
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& what) {
-  throw std::runtime_error("GeoPackage: " + what + ": " + CPLGetLastErrorMsg());
-}
+// The functions of GDAL's C interface that the writer uses.
+struct GdalApi {
+  SharedLibrary library{XKLINKDC_GDAL_SONAME, "GeoPackage output"};
+#define XKLINK_GDAL(name) decltype(&::name) name = library.Function<decltype(&::name)>(#name)
+  XKLINK_GDAL(GDALAllRegister);
+  XKLINK_GDAL(GDALGetDriverByName);
+  XKLINK_GDAL(GDALCreate);
+  XKLINK_GDAL(GDALClose);
+  XKLINK_GDAL(GDALDatasetCreateLayer);
+  XKLINK_GDAL(GDALDatasetStartTransaction);
+  XKLINK_GDAL(GDALDatasetCommitTransaction);
+  XKLINK_GDAL(OSRNewSpatialReference);
+  XKLINK_GDAL(OSRImportFromEPSG);
+  XKLINK_GDAL(OSRSetAxisMappingStrategy);
+  XKLINK_GDAL(OSRRelease);
+  XKLINK_GDAL(OGR_Fld_Create);
+  XKLINK_GDAL(OGR_Fld_Destroy);
+  XKLINK_GDAL(OGR_L_CreateField);
+  XKLINK_GDAL(OGR_L_GetLayerDefn);
+  XKLINK_GDAL(OGR_L_CreateFeature);
+  XKLINK_GDAL(OGR_F_Create);
+  XKLINK_GDAL(OGR_F_Destroy);
+  XKLINK_GDAL(OGR_F_SetFieldString);
+  XKLINK_GDAL(OGR_F_SetFieldDouble);
+  XKLINK_GDAL(OGR_F_SetFieldInteger);
+  XKLINK_GDAL(OGR_F_SetGeometryDirectly);
+  XKLINK_GDAL(OGR_G_CreateGeometry);
+  XKLINK_GDAL(OGR_G_AddPoint);
+  XKLINK_GDAL(OGR_G_AddPoint_2D);
+  XKLINK_GDAL(VSIGetMemFileBuffer);
+  XKLINK_GDAL(VSIUnlink);
+  XKLINK_GDAL(CPLGetLastErrorMsg);
+  XKLINK_GDAL(CPLGetLastErrorType);
+  XKLINK_GDAL(CPLErrorReset);
+  XKLINK_GDAL(CPLPushErrorHandler);
+  XKLINK_GDAL(CPLPopErrorHandler);
+  XKLINK_GDAL(CPLQuietErrorHandler);
+#undef XKLINK_GDAL
 
-// GDAL reports through a global handler that prints to standard error; its messages are taken into
-// the exceptions instead, and the handler is restored on every way out.
-class QuietGdal {
-public:
-  QuietGdal() {
-    static std::once_flag registered;
-    std::call_once(registered, [] { GDALAllRegister(); });
-    CPLPushErrorHandler(CPLQuietErrorHandler);
-    CPLErrorReset();
+  GdalApi() {
+    GDALAllRegister();
   }
-  ~QuietGdal() { CPLPopErrorHandler(); }
-  QuietGdal(const QuietGdal&) = delete;
-  QuietGdal& operator=(const QuietGdal&) = delete;
 };
 
-// A dataset in GDAL's in-memory file system, closed and its memory freed on every way out.
-class MemoryDataset {
+const GdalApi& Gdal() {
+  static const GdalApi api;
+  return api;
+}
+
+// Builds one GeoPackage in GDAL's in-memory file system. GDAL's messages, which it would print on
+// standard error, go into the exceptions instead; the handler, the dataset and the memory are
+// released on every way out.
+class MemoryGeoPackage {
 public:
-  explicit MemoryDataset(std::string path) : m_path(std::move(path)) {
-    GDALDriver* driver = GetGDALDriverManager()->GetDriverByName("GPKG");
-    if (driver == nullptr) {
-      Fail("GDAL has no GPKG driver");
+  MemoryGeoPackage() : m_api(Gdal()) {
+    static std::atomic<unsigned> serial{0};
+    m_path = "/vsimem/xklink-" + std::to_string(serial++) + ".gpkg";
+    m_api.CPLPushErrorHandler(m_api.CPLQuietErrorHandler);
+    m_api.CPLErrorReset();
+    GDALDriverH driver = m_api.GDALGetDriverByName("GPKG");
+    if (driver != nullptr) {
+      m_dataset = m_api.GDALCreate(driver, m_path.c_str(), 0, 0, 0, GDT_Unknown, nullptr);
     }
-    m_dataset = driver->Create(m_path.c_str(), 0, 0, 0, GDT_Unknown, nullptr);
     if (m_dataset == nullptr) {
-      Fail("cannot create the file");
+      const std::string why = m_api.CPLGetLastErrorMsg();
+      m_api.CPLPopErrorHandler();
+      throw std::runtime_error("GeoPackage: GDAL cannot create the file: " + why);
     }
   }
-  ~MemoryDataset() {
+  ~MemoryGeoPackage() {
     if (m_dataset != nullptr) {
-      GDALClose(m_dataset);
+      m_api.GDALClose(m_dataset);
     }
-    VSIUnlink(m_path.c_str());
+    if (m_grid != nullptr) {
+      m_api.OSRRelease(m_grid);
+    }
+    m_api.VSIUnlink(m_path.c_str());
+    m_api.CPLPopErrorHandler();
   }
-  MemoryDataset(const MemoryDataset&) = delete;
-  MemoryDataset& operator=(const MemoryDataset&) = delete;
+  MemoryGeoPackage(const MemoryGeoPackage&) = delete;
+  MemoryGeoPackage& operator=(const MemoryGeoPackage&) = delete;
 
-  GDALDataset& operator*() { return *m_dataset; }
+  const GdalApi& Api() const { return m_api; }
 
-  // Closes the dataset and returns the bytes of the file.
+  [[noreturn]] void Fail(const std::string& what) const {
+    throw std::runtime_error("GeoPackage: " + what + ": " + m_api.CPLGetLastErrorMsg());
+  }
+
+  void SetGrid(int epsg) {
+    m_grid = m_api.OSRNewSpatialReference(nullptr);
+    if (m_grid == nullptr || m_api.OSRImportFromEPSG(m_grid, epsg) != OGRERR_NONE) {
+      throw std::invalid_argument("EPSG:" + std::to_string(epsg) +
+                                  " is not a coordinate reference system that GDAL knows");
+    }
+    // x is the easting whatever the axis order of the EPSG definition.
+    m_api.OSRSetAxisMappingStrategy(m_grid, OAMS_TRADITIONAL_GIS_ORDER);
+  }
+
+  OGRLayerH AddLayer(const char* name, OGRwkbGeometryType geometry,
+                     const std::vector<std::pair<const char*, OGRFieldType>>& fields) {
+    OGRLayerH layer = m_api.GDALDatasetCreateLayer(m_dataset, name, m_grid, geometry, nullptr);
+    if (layer == nullptr) {
+      Fail(std::string("cannot create the layer ") + name);
+    }
+    for (const auto& [field, type] : fields) {
+      OGRFieldDefnH definition = m_api.OGR_Fld_Create(field, type);
+      const OGRErr error = m_api.OGR_L_CreateField(layer, definition, TRUE);
+      m_api.OGR_Fld_Destroy(definition);
+      if (error != OGRERR_NONE) {
+        Fail(std::string("cannot add the field ") + field);
+      }
+    }
+    return layer;
+  }
+
+  void StartTransaction() {
+    if (m_api.GDALDatasetStartTransaction(m_dataset, FALSE) != OGRERR_NONE) {
+      Fail("cannot start writing");
+    }
+  }
+
+  // Commits, closes the dataset and returns the bytes of the file.
   std::string Finish() {
-    CPLErrorReset();
-    GDALClose(m_dataset);
+    if (m_api.GDALDatasetCommitTransaction(m_dataset) != OGRERR_NONE) {
+      Fail("cannot complete writing");
+    }
+    m_api.CPLErrorReset();
+    m_api.GDALClose(m_dataset);
     m_dataset = nullptr;
-    if (CPLGetLastErrorType() == CE_Failure || CPLGetLastErrorType() == CE_Fatal) {
+    if (m_api.CPLGetLastErrorType() >= CE_Failure) {
       Fail("cannot complete the file");
     }
     vsi_l_offset size = 0;
-    GByte* data = VSIGetMemFileBuffer(m_path.c_str(), &size, FALSE);
+    GByte* data = m_api.VSIGetMemFileBuffer(m_path.c_str(), &size, FALSE);
     if (data == nullptr) {
       Fail("the file is missing from memory");
     }
@@ -74,86 +157,87 @@ public:
   }
 
 private:
+  const GdalApi& m_api;
   std::string m_path;
-  GDALDataset* m_dataset = nullptr;
+  GDALDatasetH m_dataset = nullptr;
+  OGRSpatialReferenceH m_grid = nullptr;
 };
 
-OGRLayer& AddLayer(GDALDataset& dataset, const char* name, OGRSpatialReference& grid,
-                   OGRwkbGeometryType geometry,
-                   const std::vector<std::pair<const char*, OGRFieldType>>& fields) {
-  OGRLayer* layer = dataset.CreateLayer(name, &grid, geometry, nullptr);
-  if (layer == nullptr) {
-    Fail(std::string("cannot create the layer ") + name);
+// A feature of `layer`, freed on every way out.
+class Feature {
+public:
+  Feature(const MemoryGeoPackage& file, OGRLayerH layer)
+      : m_file(file), m_layer(layer),
+        m_feature(file.Api().OGR_F_Create(file.Api().OGR_L_GetLayerDefn(layer))) {}
+  ~Feature() { m_file.Api().OGR_F_Destroy(m_feature); }
+  Feature(const Feature&) = delete;
+  Feature& operator=(const Feature&) = delete;
+
+  Feature& Set(int field, const std::string& value) {
+    m_file.Api().OGR_F_SetFieldString(m_feature, field, value.c_str());
+    return *this;
   }
-  for (const auto& [field, type] : fields) {
-    OGRFieldDefn definition(field, type);
-    if (layer->CreateField(&definition) != OGRERR_NONE) {
-      Fail(std::string("cannot add the field ") + field);
+  Feature& Set(int field, double value) {
+    m_file.Api().OGR_F_SetFieldDouble(m_feature, field, value);
+    return *this;
+  }
+  Feature& Set(int field, int value) {
+    m_file.Api().OGR_F_SetFieldInteger(m_feature, field, value);
+    return *this;
+  }
+  // Takes the geometry over.
+  void Add(OGRGeometryH geometry) {
+    m_file.Api().OGR_F_SetGeometryDirectly(m_feature, geometry);
+    if (m_file.Api().OGR_L_CreateFeature(m_layer, m_feature) != OGRERR_NONE) {
+      m_file.Fail("cannot add a feature");
     }
   }
-  return *layer;
-}
 
-void Add(OGRLayer& layer, OGRFeature& feature) {
-  if (layer.CreateFeature(&feature) != OGRERR_NONE) {
-    Fail(std::string("cannot add a feature to ") + layer.GetName());
-  }
-}
+private:
+  const MemoryGeoPackage& m_file;
+  OGRLayerH m_layer;
+  OGRFeatureH m_feature;
+};
 
 } // namespace
 
 std::string GeoPackageBytes(int epsg, const std::vector<GisHole>& holes,
                             const std::vector<GisLine>& lines) {
-  const QuietGdal quiet;
-  OGRSpatialReference grid;
-  if (grid.importFromEPSG(epsg) != OGRERR_NONE) {
-    throw std::invalid_argument("EPSG:" + std::to_string(epsg) +
-                                " is not a coordinate reference system that GDAL knows");
-  }
-  // x is the easting whatever the axis order of the EPSG definition.
-  grid.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-
-  static std::atomic<unsigned> serial{0};
-  MemoryDataset dataset("/vsimem/xklink-" + std::to_string(serial++) + ".gpkg");
-  OGRLayer& holeLayer =
-      AddLayer(*dataset, "holes", grid, wkbPoint,
-               {{"name", OFTString}, {"ground_level", OFTReal}, {"depth", OFTReal}});
-  OGRLayer& lineLayer = AddLayer(*dataset, "lines", grid, wkbLineString25D,
-                                 {{"from", OFTString},
-                                  {"to", OFTString},
-                                  {"type", OFTInteger},
-                                  {"up", OFTString},
-                                  {"down", OFTString}});
+  MemoryGeoPackage file;
+  const GdalApi& api = file.Api();
+  file.SetGrid(epsg);
+  OGRLayerH holeLayer = file.AddLayer(
+      "holes", wkbPoint, {{"name", OFTString}, {"ground_level", OFTReal}, {"depth", OFTReal}});
+  OGRLayerH lineLayer = file.AddLayer("lines", wkbLineString25D,
+                                      {{"from", OFTString},
+                                       {"to", OFTString},
+                                       {"type", OFTInteger},
+                                       {"up", OFTString},
+                                       {"down", OFTString}});
   // One transaction: SQLite commits each insert on its own otherwise, a hundred times slower.
-  if ((*dataset).StartTransaction() != OGRERR_NONE) {
-    Fail("cannot start writing");
-  }
+  file.StartTransaction();
   for (const GisHole& hole : holes) {
-    OGRFeature feature(holeLayer.GetLayerDefn());
-    feature.SetField("name", hole.name.c_str());
-    feature.SetField("ground_level", hole.groundLevel);
-    feature.SetField("depth", hole.depth);
-    OGRPoint point(hole.easting, hole.northing);
-    feature.SetGeometry(&point);
-    Add(holeLayer, feature);
+    OGRGeometryH point = api.OGR_G_CreateGeometry(wkbPoint);
+    api.OGR_G_AddPoint_2D(point, hole.easting, hole.northing);
+    Feature(file, holeLayer)
+        .Set(0, hole.name)
+        .Set(1, hole.groundLevel)
+        .Set(2, hole.depth)
+        .Add(point);
   }
   for (const GisLine& line : lines) {
-    OGRFeature feature(lineLayer.GetLayerDefn());
-    feature.SetField("from", line.from.c_str());
-    feature.SetField("to", line.to.c_str());
-    feature.SetField("type", line.type);
-    feature.SetField("up", line.up.c_str());
-    feature.SetField("down", line.down.c_str());
-    OGRLineString geometry;
-    geometry.addPoint(line.p1.x, line.p1.y, line.p1.z);
-    geometry.addPoint(line.p2.x, line.p2.y, line.p2.z);
-    feature.SetGeometry(&geometry);
-    Add(lineLayer, feature);
+    OGRGeometryH geometry = api.OGR_G_CreateGeometry(wkbLineString25D);
+    api.OGR_G_AddPoint(geometry, line.p1.x, line.p1.y, line.p1.z);
+    api.OGR_G_AddPoint(geometry, line.p2.x, line.p2.y, line.p2.z);
+    Feature(file, lineLayer)
+        .Set(0, line.from)
+        .Set(1, line.to)
+        .Set(2, line.type)
+        .Set(3, line.up)
+        .Set(4, line.down)
+        .Add(geometry);
   }
-  if ((*dataset).CommitTransaction() != OGRERR_NONE) {
-    Fail("cannot complete writing");
-  }
-  return dataset.Finish();
+  return file.Finish();
 }
 
 } // namespace xklink
