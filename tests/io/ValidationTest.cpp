@@ -2,11 +2,13 @@
 // as the user lists them, checked against the file; and their spacing.
 #include "Validation.h"
 
+#include "HolePolicy.h"
 #include "HoleSelection.h"
 #include "IoTestSupport.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace xklink {
 namespace {
@@ -70,16 +72,26 @@ TEST(ValidationTest, EveryFaultOfTheStrataOfAHole) {
   EXPECT_FALSE(HasErrors(ValidateBoreholes(MakeSet({cases[6].hole, East()}))));
 }
 
-TEST(ValidationTest, NonFiniteNumbersNameTheirFieldAndHole) {
+TEST(ValidationTest, ValuesNoBoreholeCanHaveNameTheirFieldAndHole) {
   auto west = West();
   west.x = NAN;
+  west.y = -1.0000001e8;
   west.strata[1].dc.dBotGC = -HUGE_VAL;
   auto east = East();
   east.top = HUGE_VAL;
+  east.strata[0].dc.dTopGC = 15000.5;
+  east.strata[1].dc.dTopGC = -15000; // at the limit: kept
   const auto diagnostics = ValidateBoreholes(MakeSet({west, east}));
-  EXPECT_EQ(Messages(diagnostics), (Lines{"set.json:2: field x: not a finite number: nan",
-                                          "set.json:4: field bottom: not a finite number: -inf",
-                                          "set.json:10: field top: not a finite number: inf"}));
+  EXPECT_EQ(Messages(diagnostics, Severity::Error),
+            (Lines{"set.json:2: field x: not a finite number: nan",
+                   "set.json:2: field y: coordinate -100000010 lies beyond ±100000000 m: no "
+                   "borehole can have it",
+                   "set.json:4: field bottom: not a finite number: -inf",
+                   "set.json:10: field top: not a finite number: inf",
+                   "set.json:11: field top: elevation 15000.5 lies beyond ±15000 m: no borehole "
+                   "can have it",
+                   "set.json:12: field top: top elevation -15000 is below the base elevation 91: "
+                   "the stratum is upside down"}));
   EXPECT_EQ(diagnostics[0].hole, "W");
 }
 
@@ -111,6 +123,134 @@ TEST(ValidationTest, ReaderDiagnosticsComeFirstAndMessagesUseTheFileFieldNames) 
   EXPECT_EQ(Messages(ValidateBoreholes(set), Severity::Error),
             Lines{"set.json:4: field GEOL_TOP: top elevation 90 is below the base elevation 95: "
                   "the stratum is upside down"});
+}
+
+TEST(SamePlanPositionTest, HolesWithinAMillimetreAcrossCellsAndSigns) {
+  // Pairs straddle the edges of the millimetre grid, on both sides of zero.
+  const struct {
+    double x, y;
+    std::size_t same;
+  } cases[] = {{0.0, 0.0, 0},     {0.00099, 0.0, 0},   {0.0011, 0.0, 2},  {-0.0005, -0.0005, 0},
+               {-0.0015, 0.0, 4}, {0.0011, 0.0009, 2}, {500.0, 7.0, 6},   {500.0005, 6.9995, 6},
+               {NAN, 0.0, 8},     {2e8, 0.0, 9},       {500.0, 7.001, 10}};
+  std::vector<HoleRecord> holes;
+  for (const auto& c : cases) {
+    holes.push_back(MakeHole("H", c.x, c.y, 0, {}, 1));
+  }
+  std::vector<const HoleRecord*> pointers;
+  for (const auto& h : holes) {
+    pointers.push_back(&h);
+  }
+  const auto same = SamePlanPositionAs(pointers);
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_EQ(same[i], cases[i].same) << i;
+  }
+}
+
+// The policy as a table: which holes a section keeps, what it says and what refuses it.
+TEST(HolePolicyTest, WhatIsLeftOutAndWhatRefuses) {
+  auto overlap = MakeHole("OV", 200, 0, 100, {{L"A", 100, 95}, {L"B", 96, 90}}, 20);
+  auto twin = MakeHole("W2", 0, 0.0005, 100, {{L"A", 100, 80}}, 30); // deeper than W
+  auto noGround = MakeHole("NG", 300, 0, 0, {{L"A", 0, -5}}, 40);
+  noGround.groundLevelKnown = false;
+  auto set = MakeSet({West(), East(), overlap, twin, noGround});
+  set.diagnostics.push_back(MakeError({"set.json", 50, "name"}, "row without a name; ignored"));
+  const std::string kIgnoredRow = "set.json:50: warning: field name: row without a name; ignored";
+  const std::string overlapError =
+      "set.json:22: field top: overlaps the stratum on line 21 by 1: top elevation 96 lies "
+      "above its base 95";
+  const struct {
+    HolePolicy policy;
+    Lines holes;
+    Lines warnings;
+    Lines errors;
+  } cases[] = {
+      {{},
+       {"E", "W2"},
+       {kIgnoredRow,
+        "set.json:2: warning: field x: hole 'W' left out: stands at the same plan position as "
+        "'W2' (line 30), whose log goes deeper: a section takes one hole of a position",
+        "set.json:22: warning: field top: hole 'OV' left out: overlaps the stratum on line 21 by "
+        "1: "
+        "top elevation 96 lies above its base 95",
+        "set.json:40: warning: field top: hole 'NG' left out: has no ground level, unlike other "
+        "holes of the file",
+        "set.json: warning: 3 of 5 holes left out of the section: W, OV, NG"},
+       {}},
+      {{{}, {"OV", "W2", "NG"}, false}, {"W", "E"}, {kIgnoredRow}, {}},
+      {{{"OV", "E"}, {}, false}, {"OV", "E"}, {kIgnoredRow}, {overlapError}},
+      {{{"NG", "E"}, {}, false},
+       {"NG", "E"},
+       {kIgnoredRow},
+       {"set.json:40: field top: hole 'NG' has no ground level, unlike other holes of the file"}},
+      {{{}, {"OV", "NG"}, true},
+       {"W", "E", "W2"},
+       {},
+       {"set.json:2: field x: hole 'W' stands at the same plan position as 'W2' (line 30), whose "
+        "log goes deeper: a section takes one hole of a position",
+        "set.json:50: field name: row without a name; ignored"}},
+  };
+  for (const auto& c : cases) {
+    std::vector<Diagnostic> warnings;
+    std::vector<Diagnostic> errors;
+    const ChosenHoles chosen = ChooseHoles(
+        set, c.policy, [&](const Diagnostic& d) { warnings.push_back(d); },
+        [&](const Diagnostic& d) { errors.push_back(d); });
+    Lines names;
+    for (const auto& h : chosen.holes) {
+      names.push_back(h.name);
+    }
+    EXPECT_EQ(names, c.holes);
+    EXPECT_EQ(Messages(warnings), c.warnings);
+    EXPECT_EQ(Messages(errors), c.errors);
+    EXPECT_FALSE(chosen.depthBelowGround);
+  }
+}
+
+TEST(HolePolicyTest, NoGroundLevelAnywhereGivesASectionInDepth) {
+  auto a = MakeHole("A", 0, 0, 0, {{L"A", 0, -5}}, 2);
+  auto b = MakeHole("B", 50, 0, 0, {{L"A", 0, -3}}, 4);
+  a.groundLevelKnown = b.groundLevelKnown = false;
+  auto set = MakeSet({a, b});
+  set.fields.holeTop = "LOCA_GL";
+  for (const bool strict : {false, true}) {
+    std::vector<Diagnostic> said;
+    const auto chosen = ChooseHoles(
+        set, {{}, {}, strict}, [&](const Diagnostic& d) { said.push_back(d); },
+        [&](const Diagnostic& d) { said.push_back(d); });
+    EXPECT_TRUE(chosen.depthBelowGround);
+    EXPECT_EQ(chosen.holes.size(), 2U);
+    EXPECT_EQ(Messages(said), Lines{std::string("set.json: ") + (strict ? "" : "warning: ") +
+                                    "field LOCA_GL: no hole has a ground level: the section is "
+                                    "drawn in depth below ground"});
+  }
+  EXPECT_EQ(Check({a, b}), Lines{"set.json: warning: field top: no hole has a ground level: the "
+                                 "section is drawn in depth below ground"});
+}
+
+TEST(CappedReportTest, RepeatsAreCountedAndTheTotalIsBounded) {
+  std::ostringstream out;
+  CappedReport report(out, 2, 5);
+  for (int line = 1; line <= 4; ++line) { // one kind: the numbers and quoted names differ
+    report.Add(MakeWarning({"f.ags", static_cast<std::size_t>(line), "GEOL_TOP"},
+                           "hole 'H" + std::to_string(line) + "' gap of 0." + std::to_string(line) +
+                               " m"));
+  }
+  for (int kind = 0; kind < 5; ++kind) { // five kinds, three of them past the total
+    report.Add(MakeError({"f.ags", 9, {}}, std::string(1, static_cast<char>('a' + kind))));
+  }
+  report.Finish();
+  EXPECT_EQ(report.Count(Severity::Warning), 4U);
+  EXPECT_EQ(report.Count(Severity::Error), 5U);
+  EXPECT_EQ(out.str(), "f.ags:1: warning: field GEOL_TOP: hole 'H1' gap of 0.1 m\n"
+                       "f.ags:2: warning: field GEOL_TOP: hole 'H2' gap of 0.2 m\n"
+                       "f.ags:9: a\n"
+                       "f.ags:9: b\n"
+                       "f.ags:9: c\n"
+                       "f.ags: warning: and 2 more like this: field GEOL_TOP: hole 'H1' gap of "
+                       "0.1 m\n"
+                       "f.ags: and 1 more like this: d\n"
+                       "f.ags: and 1 more like this: e\n");
 }
 
 TEST(SectionSpacingTest, ConsecutiveHolesWithinAMillimetreAreAnError) {

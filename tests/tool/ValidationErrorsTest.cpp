@@ -1,6 +1,7 @@
-// Bad input stops the tool at its boundary: exit status 2, a message naming the file, the line and
-// the field, and no output file. The validation's every message is checked by the reader tests;
-// here, which problems stop which sections.
+// Which problems stop which sections. A section of every hole leaves a bad hole out with one
+// warning; a hole the user names must be sound; --strict refuses on any problem. A refusal exits
+// with status 2, names the file, the line and the field, and writes no output file. The exact
+// messages of the checks are tested in tests/io/ValidationTest.cpp.
 #include "ToolRunner.h"
 
 namespace xktool {
@@ -8,15 +9,6 @@ namespace {
 
 class ValidationErrorsTest : public ::testing::Test {
 protected:
-  // Runs `command FILE -o OUT extra...` and expects a refusal holding every fragment, and no OUT.
-  void ExpectRefusedWithoutOutput(const std::string& command, const std::string& file,
-                                  std::vector<std::string> extra,
-                                  const std::vector<std::string>& fragments) {
-    const fs::path out = dir / (command == "section" ? "out.svg" : "out.json");
-    extra.insert(extra.begin(), {command, file, "-o", out.string()});
-    ExpectRefused(RunTool(extra), fragments);
-    EXPECT_FALSE(fs::exists(out)) << command << " wrote " << out;
-  }
   // A JSON file of holes given as {"name": ..., "x": ..., ...} objects, one a line from line 2.
   std::string Holes(const std::string& name, const std::vector<std::string>& holes) {
     std::string text = "{\"boreholes\": [";
@@ -24,6 +16,37 @@ protected:
       text += std::string(text.back() == '[' ? "\n" : ",\n") + "{" + hole + "}";
     }
     return dir.Write(name, text + "\n]}");
+  }
+
+  struct Case {
+    std::vector<std::string> args;  // after `lines FILE -o OUT`
+    std::vector<std::string> found; // in standard error
+    bool refused = false;
+    std::vector<std::string> absent = {}; // not in standard error
+  };
+  // Runs `command FILE -o OUT args...` for each case; a refusal must leave no OUT.
+  void Expect(const std::string& file, const std::vector<Case>& cases,
+              const std::string& command = "lines") {
+    for (const Case& c : cases) {
+      const fs::path out = dir / (command == "section" ? "out.svg" : "out.json");
+      std::vector<std::string> args{command, file, "-o", out.string()};
+      args.insert(args.end(), c.args.begin(), c.args.end());
+      const RunResult run = RunTool(args);
+      const std::string label = ::testing::PrintToString(c.args);
+      if (c.refused) {
+        ExpectRefused(run, c.found);
+        EXPECT_FALSE(fs::exists(out)) << label;
+      } else {
+        EXPECT_EQ(run.exitCode, 0) << label << run.Describe();
+        for (const std::string& fragment : c.found) {
+          EXPECT_NE(run.err.find(fragment), std::string::npos) << label << fragment << run.err;
+        }
+      }
+      for (const std::string& fragment : c.absent) {
+        EXPECT_EQ(run.err.find(fragment), std::string::npos) << label << fragment << run.err;
+      }
+      fs::remove(out);
+    }
   }
 
   TempDir dir;
@@ -35,21 +58,29 @@ std::string Hole(const std::string& name, const std::string& x, int bottom = 90)
          "[{\"code\": \"S\", \"top\": 100, \"bottom\": " + std::to_string(bottom) + "}]";
 }
 
-TEST_F(ValidationErrorsTest, AnyCommandRefusesAFileWithAnError) {
+TEST_F(ValidationErrorsTest, ABadHoleIsLeftOutUnlessNamedOrStrict) {
   const std::string file =
-      Holes("nostrata.json", {Hole("BH1", "0"), R"("name": "BH2", "x": 50, "y": 0, "top": 100,
-    "strata": [])"});
-  for (const std::string command : {"lines", "section", "regions"}) {
-    ExpectRefusedWithoutOutput(command, file, {},
-                               {file + ":3: field name: hole 'BH2' has no strata"});
-  }
-  // Values the readers take as numbers but the validation does not: NaN in a CSV file.
+      Holes("bad.json", {Hole("BH1", "0"), Hole("BH2", "50"),
+                         R"("name": "BH3", "x": 80, "y": 0, "top": 100, "strata": [])"});
+  const std::string leftOut = file + ":4: warning: field name: hole 'BH3' left out: has no strata";
+  const std::string error = file + ":4: field name: hole 'BH3' has no strata";
+  Expect(file, {
+                   {{}, {leftOut, "1 of 3 holes left out of the section: BH3"}},
+                   {{"--holes", "BH1,BH2"}, {}, false, {"BH3"}},
+                   {{"--exclude", "BH3"}, {}, false, {"BH3"}},
+                   {{"--holes", "BH3,BH1"}, {error}, true},
+                   {{"--strict"}, {error}, true},
+                   {{"--exclude", "BH9"}, {"no hole 'BH9' in " + file}, true},
+                   {{"--exclude", "BH3", "--holes", "BH1,BH2"}, {"every hole"}, true},
+               });
+  Expect(file, {{{}, {leftOut}}, {{"--holes", "BH3,BH2"}, {error}, true}}, "section");
+  // Values the readers take as numbers but the validation does not, named: NaN in a CSV file.
   const std::string nan = dir.Write("nan.csv", "hole,x,y,gl,from,to,code\nBH1,0,0,100,0,5,A\n"
                                                "BH1,0,0,100,5,nan,B\nBH2,50,0,100,0,10,A\n");
-  ExpectRefusedWithoutOutput("lines", nan, {}, {nan + ":3: field to: not a finite number: nan"});
+  Expect(nan, {{{"--holes", "BH1,BH2"}, {nan + ":3: field to: not a finite number: nan"}, true}});
 }
 
-TEST_F(ValidationErrorsTest, GeologyOfAHoleMissingFromLocaStopsOnlySectionsThatNeedIt) {
+TEST_F(ValidationErrorsTest, GeologyOfAHoleMissingFromLocaIsLeftOutOrRefusedWhenNamed) {
   const std::string file = dir.Write("orphan.ags", R"("GROUP","LOCA"
 "HEADING","LOCA_ID","LOCA_NATE","LOCA_NATN","LOCA_GL"
 "DATA","BH1","1000.00","2000.00","10.00"
@@ -61,55 +92,81 @@ TEST_F(ValidationErrorsTest, GeologyOfAHoleMissingFromLocaStopsOnlySectionsThatN
 "DATA","BH2","0.00","3.00","MG"
 "DATA","BH3","0.00","4.00","MG"
 )");
-  const std::string message = file + ":10: field LOCA_ID: hole 'BH3' has GEOL rows but no LOCA row";
-  // A section of every hole must not leave BH3 out silently; named, it is refused with the reason.
-  ExpectRefusedWithoutOutput("lines", file, {}, {message});
-  ExpectRefusedWithoutOutput("section", file, {}, {message});
-  ExpectRefusedWithoutOutput("lines", file, {"--holes", "BH3,BH1"}, {message});
-  EXPECT_EQ(RunTool({"lines", file, "--holes", "BH1,BH2"}).exitCode, 0);
+  Expect(file, {
+                   {{},
+                    {file + ":10: warning: field LOCA_ID: hole 'BH3' left out: has GEOL rows "
+                            "but no LOCA row"}},
+                   {{"--strict"}, {file + ":10: field LOCA_ID: hole 'BH3' has GEOL rows"}, true},
+                   {{"--holes", "BH3,BH1"}, {"no hole 'BH3'"}, true},
+               });
 }
 
-TEST_F(ValidationErrorsTest, DuplicateAndUnknownNames) {
+TEST_F(ValidationErrorsTest, DuplicateUnknownAndTooFewNames) {
   const std::string file =
       Holes("dup.json", {Hole("BH1", "0"), Hole("BH2", "50"), Hole("BH1", "80", 91)});
-  // Which BH1 is meant cannot be told, whether the holes are named or taken by default.
-  const std::string message = file + ":4: field name: duplicate hole name 'BH1' (first at line 2)";
-  ExpectRefusedWithoutOutput("lines", file, {}, {message});
-  ExpectRefusedWithoutOutput("regions", file, {"--holes", "BH1,BH2"}, {message});
-  ExpectRefusedWithoutOutput("section", kOverview, {"--holes", "bh1,BH2"},
-                             {"no hole 'bh1' in " + kOverview, "'BH1'?"});
-  ExpectRefusedWithoutOutput("lines", kOverview, {"--holes", "BH1,,BH2"}, {"empty hole name"});
+  // Which BH1 is meant cannot be told: both are left out, and one hole is too few.
+  const std::string duplicate =
+      file + ":4: field name: duplicate hole name 'BH1' (first at line 2)";
+  Expect(file, {{{}, {"hole 'BH1' left out", "the file has 3 but only 1 can be used"}, true},
+                {{"--holes", "BH1,BH2"}, {duplicate}, true}});
+  Expect(kOverview, {{{"--holes", "bh1,BH2"}, {"no hole 'bh1' in " + kOverview, "'BH1'?"}, true},
+                     {{"--holes", "BH1,,BH2"}, {"empty hole name"}, true},
+                     {{"--holes", "BH1"}, {"at least two holes; 1 was named"}, true, {"file has"}},
+                     {{"--holes", "BH1,BH2,BH1"}, {"hole 'BH1' is named twice"}, true}});
+  Expect(Holes("one.json", {Hole("BH1", "0")}), {{{}, {"at least two", "the file has 1"}, true}});
+  Expect(dir.Write("none.json", R"({"boreholes": []})"), {{{}, {"the file has 0"}, true}},
+         "section");
 }
 
-TEST_F(ValidationErrorsTest, FewerThanTwoHolesInTheFileOrNamed) {
-  const std::string one = Holes("one.json", {Hole("BH1", "0")});
-  ExpectRefusedWithoutOutput("lines", one, {}, {one + ": ", "at least two", "the file has 1"});
-  ExpectRefusedWithoutOutput("regions", one, {}, {one + ": ", "at least two"});
-  const std::string none = dir.Write("none.json", R"({"boreholes": []})");
-  ExpectRefusedWithoutOutput("section", none, {}, {none + ": ", "at least two", "the file has 0"});
-  // The file has two holes, but only one is named: the message must say so, not blame the file.
-  const RunResult named = RunTool({"lines", kOverview, "--holes", "BH1"});
-  ExpectRefused(named, {"at least two holes; 1 was named"});
-  EXPECT_EQ(named.err.find("the file has"), std::string::npos) << named.err;
-}
-
-TEST_F(ValidationErrorsTest, ConsecutiveHolesAtOnePlanPosition) {
-  // A and C stand within a millimetre of each other; B 50 m away.
+TEST_F(ValidationErrorsTest, HolesAtOnePlanPosition) {
+  // A and C stand within a millimetre of each other, A logged deeper; B 50 m away.
   const std::string file =
       Holes("same.json", {Hole("A", "0"), Hole("B", "50"), Hole("C", "0.0004", 92)});
-  ExpectRefusedWithoutOutput(
-      "lines", file, {"--holes", "A,C,B"},
-      {file + ":4: field name: holes 'A' and 'C' stand at the same plan position"});
-  ExpectRefusedWithoutOutput("section", file, {"--holes", "B,C,A"},
-                             {"holes 'C' and 'A' stand at the same"});
-  // Apart in the section (A, B, C) they are allowed, with a warning; 2 mm apart is two positions.
-  const RunResult apart = RunTool({"lines", file, "--holes", "A,B,C"});
-  EXPECT_EQ(apart.exitCode, 0) << apart.Describe();
-  EXPECT_NE(apart.err.find("warning: field x: hole 'C' stands at the same plan position as 'A'"),
-            std::string::npos)
-      << apart.err;
-  const std::string near = Holes("near.json", {Hole("A", "0"), Hole("C", "0.002", 92)});
-  EXPECT_EQ(RunTool({"lines", near}).exitCode, 0);
+  const std::string keepsA = file + ":4: warning: field x: hole 'C' left out: stands at the same "
+                                    "plan position as 'A' (line 2), whose log goes deeper";
+  Expect(
+      file,
+      {
+          {{}, {keepsA}},
+          {{"--strict"}, {file + ":4: field x: hole 'C' stands at the same plan position"}, true},
+          {{"--holes", "A,C,B"},
+           {file + ":4: field name: holes 'A' and 'C' stand at the same"},
+           true},
+          // Apart in a section named so, they are allowed, with a warning.
+          {{"--holes", "A,B,C"}, {"warning: field x: hole 'C' stands at the same plan position"}},
+      });
+  // 2 mm apart is two positions.
+  Expect(Holes("near.json", {Hole("A", "0"), Hole("C", "0.002", 92)}), {{{}, {}, false, {"C"}}});
+}
+
+TEST_F(ValidationErrorsTest, ValuesNoBoreholeCanHaveAreNamed) {
+  const std::string file = Holes("far.json", {Hole("A", "0"), Hole("B", "50"), Hole("C", "1e300"),
+                                              R"("name": "D", "x": 60, "y": 0, "top": 1.7e308,
+                            "strata": [{"code": "S", "top": 1.7e308, "bottom": -1.7e308}])"});
+  Expect(file,
+         {{{},
+           {"hole 'C' left out: coordinate 1e+300 lies beyond ±100000000 m",
+            ":5: warning: field top: hole 'D' left out: elevation 1.7e+308 lies beyond ±15000 m",
+            "2 of 4 holes left out of the section: C, D"}},
+          {{"--holes", "A,C"}, {":4: field x: coordinate 1e+300"}, true}});
+}
+
+TEST_F(ValidationErrorsTest, RealFilesGiveTheirSectionsWithoutTheirBadHoles) {
+  // M621: overlaps in BH07 (line 936) and BH11 (1001); DS04, DS04A, DS04B and DS04C drilled at one
+  // position, DS04C the deepest.
+  const std::string m621 = (kRealData / "m621-widening" / "M621_Widening.ags").string();
+  Expect(m621,
+         {{{},
+           {m621 + ":936: warning: field GEOL_TOP: hole 'BH07' left out: overlaps the stratum on "
+                   "line 935 by 0.1",
+            m621 + ":1001: warning: field GEOL_TOP: hole 'BH11' left out: overlaps",
+            "hole 'DS04' left out: stands at the same plan position as 'DS04C'",
+            "holes left out of the section: BH07, BH11, DS04, DS04A, DS04B"}}},
+         "section");
+  // DLR City Airport: about a hundred locations, trial pits re-dug beside the first (TP206A).
+  const std::string dlr =
+      (kRealData / "dlr-city-airport" / "DLR_City_Airport_Extension.ags").string();
+  Expect(dlr, {{{}, {"hole 'TP206' left out: stands at the same plan position as 'TP206A'"}}});
 }
 
 } // namespace

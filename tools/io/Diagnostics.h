@@ -3,6 +3,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <iosfwd>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -40,6 +43,44 @@ Diagnostic MakeWarning(SourceRef where, std::string message, std::string hole = 
 
 // True when at least one diagnostic is an error.
 bool HasErrors(const std::vector<Diagnostic>& diagnostics);
+
+// Where the checks put what they find, one diagnostic at a time, so that a file with millions of
+// bad rows is reported without holding millions of messages.
+using DiagnosticSink = std::function<void(const Diagnostic&)>;
+
+// Writes diagnostics, one a line, the way a person can take them in. A message that repeats for
+// many rows (the same text but for its numbers and quoted names) is written `perKind` times and
+// then only counted; after `total` lines nothing more is written. Finish() writes the counts:
+//   "site.ags: warning: and 398 more like this: field GEOL_GEOL: no code: ..."
+// Memory stays bounded: one entry per kind of message, not per message.
+class CappedReport {
+public:
+  static constexpr std::size_t kPerKind = 3;
+  static constexpr std::size_t kTotal = 100;
+
+  explicit CappedReport(std::ostream& out, std::size_t perKind = kPerKind,
+                        std::size_t total = kTotal);
+  void Add(const Diagnostic& d);
+  void Finish();
+  std::size_t Count(Severity severity) const {
+    return severity == Severity::Error ? m_errors : m_warnings;
+  }
+
+private:
+  struct Kind {
+    std::size_t seen = 0;
+    std::size_t shown = 0;
+    Diagnostic first;
+  };
+  std::ostream& m_out;
+  std::size_t m_perKind;
+  std::size_t m_total;
+  std::size_t m_shown = 0;
+  std::size_t m_errors = 0;
+  std::size_t m_warnings = 0;
+  std::map<std::string, Kind> m_kinds;
+  std::vector<std::string> m_order; // kinds in the order first met
+};
 
 // Input that cannot be read at all: bad syntax, a missing column, a value that is not a number.
 // what() is "holes.csv:12: field TOP: not a number: 'abc'".

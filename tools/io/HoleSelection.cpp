@@ -17,6 +17,8 @@ bool SameIgnoringCase(std::string_view a, std::string_view b) {
          });
 }
 
+} // namespace
+
 std::string UnknownHoleMessage(const BoreholeSet& set, const std::string& name) {
   std::string message = "no hole '" + name + "' in " + set.source;
   if (const auto skipped = set.skipped.find(name); skipped != set.skipped.end()) {
@@ -30,8 +32,6 @@ std::string UnknownHoleMessage(const BoreholeSet& set, const std::string& name) 
   }
   return message;
 }
-
-} // namespace
 
 std::vector<std::string> SplitHoleList(std::string_view list) {
   std::vector<std::string> names;

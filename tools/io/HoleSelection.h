@@ -21,6 +21,10 @@ public:
 // ("A,,B", a trailing comma) is a SelectionError.
 std::vector<std::string> SplitHoleList(std::string_view list);
 
+// "no hole 'BH9' in site.ags", with the reason the reader left it out, if it did, or the name that
+// differs only in case.
+std::string UnknownHoleMessage(const BoreholeSet& set, const std::string& name);
+
 // The named holes in the order given, which is the order along the section. The diagnostics kept
 // are those of the file as a whole and of the chosen holes, so that a fault in a hole left out
 // does not stop a section that does not use it. SelectionError for an unknown name (saying why

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <map>
+#include <unordered_map>
 
 namespace xklink {
 
@@ -13,16 +15,19 @@ namespace {
 
 class SetValidator {
 public:
-  explicit SetValidator(const BoreholeSet& set) : m_set(set), m_out(set.diagnostics) {}
+  SetValidator(const BoreholeSet& set, const DiagnosticSink& sink) : m_set(set), m_sink(sink) {}
 
-  std::vector<Diagnostic> Run() {
+  void Holes() {
     for (const auto& hole : m_set.holes) {
       CheckHole(hole);
     }
     CheckNames();
+  }
+
+  void Set() {
     CheckCount();
+    CheckGroundLevels();
     CheckSharedPositions();
-    return std::move(m_out);
   }
 
 private:
@@ -31,36 +36,46 @@ private:
   }
 
   void Error(SourceRef where, std::string message, const std::string& hole) {
-    m_out.push_back(MakeError(std::move(where), std::move(message), hole));
+    m_sink(MakeError(std::move(where), std::move(message), hole));
   }
   void Warning(SourceRef where, std::string message, const std::string& hole) {
-    m_out.push_back(MakeWarning(std::move(where), std::move(message), hole));
+    m_sink(MakeWarning(std::move(where), std::move(message), hole));
   }
 
-  bool Finite(double value, const SourceRef& where, const std::string& field,
-              const std::string& hole) {
-    if (std::isfinite(value)) {
-      return true;
+  // False, with an error, for a value that is not finite or lies beyond `limit` in magnitude.
+  bool Usable(double value, double limit, const char* what, const SourceRef& where,
+              const std::string& field, const std::string& hole) {
+    if (!std::isfinite(value)) {
+      Error(At(where, field), "not a finite number: " + FormatNumber(value), hole);
+      return false;
     }
-    Error(At(where, field), "not a finite number: " + FormatNumber(value), hole);
-    return false;
+    if (std::fabs(value) > limit) {
+      Error(At(where, field),
+            std::string(what) + " " + FormatNumber(value) + " lies beyond ±" + FormatMetres(limit) +
+                " m: no borehole can have it",
+            hole);
+      return false;
+    }
+    return true;
   }
 
   void CheckHole(const HoleRecord& hole) {
     const auto& names = m_set.fields;
-    Finite(hole.x, hole.where, names.holeX, hole.name);
-    Finite(hole.y, hole.where, names.holeY, hole.name);
-    const bool collarKnown = Finite(hole.top, hole.where, names.holeTop, hole.name);
+    Usable(hole.x, kMaxCoordinate, "coordinate", hole.where, names.holeX, hole.name);
+    Usable(hole.y, kMaxCoordinate, "coordinate", hole.where, names.holeY, hole.name);
+    const bool collarKnown =
+        Usable(hole.top, kMaxElevation, "elevation", hole.where, names.holeTop, hole.name);
     if (hole.strata.empty()) {
       Error(hole.where, "hole '" + hole.name + "' has no strata", hole.name);
       return;
     }
-    const StratumRecord* above = nullptr; // the last stratum with finite values
+    const StratumRecord* above = nullptr; // the last stratum with usable values
     for (const auto& stratum : hole.strata) {
-      const bool topFinite = Finite(stratum.dc.dTopGC, stratum.where, names.stratumTop, hole.name);
-      const bool baseFinite =
-          Finite(stratum.dc.dBotGC, stratum.where, names.stratumBottom, hole.name);
-      if (!topFinite || !baseFinite) {
+      const bool topUsable = Usable(stratum.dc.dTopGC, kMaxElevation, "elevation", stratum.where,
+                                    names.stratumTop, hole.name);
+      const bool baseUsable = Usable(stratum.dc.dBotGC, kMaxElevation, "elevation", stratum.where,
+                                     names.stratumBottom, hole.name);
+      if (!topUsable || !baseUsable) {
         continue;
       }
       CheckStratum(hole, stratum);
@@ -153,31 +168,116 @@ private:
     }
   }
 
+  // Said as the section takes it: one warning when no hole has a ground level, one per hole when
+  // only some lack it.
+  void CheckGroundLevels() {
+    const auto known = std::count_if(m_set.holes.begin(), m_set.holes.end(),
+                                     [](const HoleRecord& h) { return h.groundLevelKnown; });
+    if (known == 0 && !m_set.holes.empty()) {
+      Warning({m_set.source, 0, m_set.fields.holeTop}, NoGroundLevelMessage(), {});
+      return;
+    }
+    for (const auto& hole : m_set.holes) {
+      if (!hole.groundLevelKnown) {
+        Warning(At(hole.where, m_set.fields.holeTop), MissingGroundLevelMessage(hole.name),
+                hole.name);
+      }
+    }
+  }
+
   void CheckSharedPositions() {
-    for (std::size_t i = 0; i < m_set.holes.size(); ++i) {
-      const auto& hole = m_set.holes[i];
-      for (std::size_t k = 0; k < i; ++k) {
-        const auto& earlier = m_set.holes[k];
-        if (std::hypot(hole.x - earlier.x, hole.y - earlier.y) < kSamePlanPositionTolerance) {
-          Warning(At(hole.where, m_set.fields.holeX),
-                  "hole '" + hole.name + "' stands at the same plan position as '" + earlier.name +
-                      "' (line " + std::to_string(earlier.where.line) +
-                      "): a section can take only one of them",
-                  hole.name);
-          break;
-        }
+    std::vector<const HoleRecord*> holes;
+    holes.reserve(m_set.holes.size());
+    for (const auto& hole : m_set.holes) {
+      holes.push_back(&hole);
+    }
+    const std::vector<std::size_t> same = SamePlanPositionAs(holes);
+    for (std::size_t i = 0; i < holes.size(); ++i) {
+      if (same[i] != i) {
+        const auto& earlier = *holes[same[i]];
+        Warning(At(holes[i]->where, m_set.fields.holeX),
+                "hole '" + holes[i]->name + "' stands at the same plan position as '" +
+                    earlier.name + "' (line " + std::to_string(earlier.where.line) +
+                    "): a section can take only one of them",
+                holes[i]->name);
       }
     }
   }
 
   const BoreholeSet& m_set;
-  std::vector<Diagnostic> m_out;
+  const DiagnosticSink& m_sink;
+};
+
+struct CellHash {
+  std::size_t operator()(const std::pair<std::int64_t, std::int64_t>& cell) const {
+    const auto x = static_cast<std::uint64_t>(cell.first);
+    const auto y = static_cast<std::uint64_t>(cell.second);
+    return static_cast<std::size_t>(x * 0x9E3779B97F4A7C15ull ^ (y + 0x632BE59BD9B4E019ull));
+  }
 };
 
 } // namespace
 
+std::string NoGroundLevelMessage() {
+  return "no hole has a ground level: the section is drawn in depth below ground";
+}
+
+std::string MissingGroundLevelMessage(const std::string& hole) {
+  return "hole '" + hole + "' has no ground level, unlike other holes of the file";
+}
+
+void ValidateHoles(const BoreholeSet& set, const DiagnosticSink& sink) {
+  SetValidator(set, sink).Holes();
+}
+
+void ValidateBoreholes(const BoreholeSet& set, const DiagnosticSink& sink) {
+  for (const Diagnostic& d : set.diagnostics) {
+    sink(d);
+  }
+  SetValidator validator(set, sink);
+  validator.Holes();
+  validator.Set();
+}
+
 std::vector<Diagnostic> ValidateBoreholes(const BoreholeSet& set) {
-  return SetValidator(set).Run();
+  std::vector<Diagnostic> out;
+  ValidateBoreholes(set, [&out](const Diagnostic& d) { out.push_back(d); });
+  return out;
+}
+
+std::vector<std::size_t> SamePlanPositionAs(const std::vector<const HoleRecord*>& holes) {
+  // Only the first hole of each position enters the grid. Holes kept there are at least a
+  // tolerance apart, so a cell holds a handful at most, and each hole looks at nine cells.
+  using Cell = std::pair<std::int64_t, std::int64_t>;
+  std::unordered_map<Cell, std::vector<std::size_t>, CellHash> grid;
+  std::vector<std::size_t> out(holes.size());
+  for (std::size_t i = 0; i < holes.size(); ++i) {
+    out[i] = i;
+    const HoleRecord& hole = *holes[i];
+    if (!(std::fabs(hole.x) <= kMaxCoordinate && std::fabs(hole.y) <= kMaxCoordinate)) {
+      continue; // not a position (NaN fails the test too); the validation reports it
+    }
+    const Cell cell{static_cast<std::int64_t>(std::floor(hole.x / kSamePlanPositionTolerance)),
+                    static_cast<std::int64_t>(std::floor(hole.y / kSamePlanPositionTolerance))};
+    for (std::int64_t dx = -1; dx <= 1; ++dx) {
+      for (std::int64_t dy = -1; dy <= 1; ++dy) {
+        const auto found = grid.find({cell.first + dx, cell.second + dy});
+        if (found == grid.end()) {
+          continue;
+        }
+        for (const std::size_t k : found->second) {
+          const HoleRecord& earlier = *holes[k];
+          if (std::hypot(hole.x - earlier.x, hole.y - earlier.y) < kSamePlanPositionTolerance) {
+            out[i] = std::min(out[i] == i ? k : out[i], k);
+          }
+        }
+      }
+    }
+    if (out[i] == i) {
+      grid[cell].push_back(i);
+    }
+  }
+  return out;
 }
 
 std::vector<Diagnostic> CheckSectionSpacing(const std::vector<HoleRecord>& section) {

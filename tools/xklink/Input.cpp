@@ -1,15 +1,17 @@
 #include "Input.h"
 
 #include "Errors.h"
-#include "SectionLayout.h"
-#include "WorkLimit.h"
-
+#include "HolePolicy.h"
 #include "HoleSelection.h"
 #include "ReadBoreholes.h"
+#include "SectionLayout.h"
 #include "Validation.h"
+#include "WorkLimit.h"
 
 #include <algorithm>
 #include <ostream>
+#include <set>
+#include <sstream>
 #include <stdexcept>
 
 namespace xklink {
@@ -42,18 +44,8 @@ BoreholeSet ReadInput(const InputOptions& options) {
   return ReadBoreholes(path, format, read);
 }
 
-std::vector<std::string> DefaultNames(const BoreholeSet& set, DefaultHoles defaults) {
-  std::vector<std::string> names;
-  if (defaults == DefaultHoles::FirstTwo) {
-    for (std::size_t i = 0; i < set.holes.size() && i < 2; ++i) {
-      names.push_back(set.holes[i].name);
-    }
-    return names;
-  }
-  for (const std::size_t i : OrderAlongPrincipalDirection(ToZKs(set.holes))) {
-    names.push_back(set.holes[i].name);
-  }
-  return names;
+std::vector<std::string> SplitOption(const std::string& list) {
+  return list.empty() ? std::vector<std::string>{} : SplitHoleList(list);
 }
 
 } // namespace
@@ -61,47 +53,41 @@ std::vector<std::string> DefaultNames(const BoreholeSet& set, DefaultHoles defau
 SectionHoles LoadSection(const InputOptions& options, const std::string& holeList,
                          DefaultHoles defaults, std::ostream& warnings) {
   const BoreholeSet all = ReadInput(options);
-  const std::vector<std::string> names =
-      holeList.empty() ? DefaultNames(all, defaults) : SplitHoleList(holeList);
-  // A list of one name is refused by SelectHoles, which says how many were named.
-  if (holeList.empty() && names.size() < 2) {
-    throw SelectionError(options.file + ": a section needs at least two holes, the file has " +
-                         std::to_string(all.holes.size()));
-  }
+  HolePolicy policy;
+  policy.named = SplitOption(holeList);
+  policy.excluded = SplitOption(options.exclude);
+  policy.strict = options.strict;
 
-  // The whole file is validated before holes are picked from it, and its problems are kept for the
-  // holes asked for and for the file as a whole. A second hole of a name is then reported with its
-  // line, instead of the first of the two being picked; and a hole that the reader could not build
-  // (GEOL rows without a LOCA row) stops a section that names it or takes every hole, instead of
-  // dropping out of it silently. Problems of holes left out of the section do not stop it.
-  const bool everyHole = holeList.empty() && defaults == DefaultHoles::AlongSection;
-  std::vector<Diagnostic> diagnostics;
-  for (Diagnostic& d : ValidateBoreholes(all)) {
-    if (everyHole || d.hole.empty() ||
-        std::find(names.begin(), names.end(), d.hole) != names.end()) {
-      diagnostics.push_back(std::move(d));
+  CappedReport warningReport(warnings);
+  std::ostringstream errorText;
+  CappedReport errorReport(errorText);
+  ChosenHoles chosen = ChooseHoles(
+      all, policy, [&](const Diagnostic& d) { warningReport.Add(d); },
+      [&](const Diagnostic& d) { errorReport.Add(d); });
+  if (policy.named.empty() && defaults == DefaultHoles::FirstTwo && chosen.holes.size() > 2) {
+    chosen.holes.resize(2);
+  } else if (policy.named.empty() && defaults == DefaultHoles::AlongSection) {
+    std::vector<HoleRecord> ordered;
+    for (const std::size_t i : OrderAlongPrincipalDirection(ToZKs(chosen.holes))) {
+      ordered.push_back(std::move(chosen.holes[i]));
+    }
+    chosen.holes = std::move(ordered);
+  }
+  if (errorReport.Count(Severity::Error) == 0) {
+    for (const Diagnostic& d : CheckSectionSpacing(chosen.holes)) {
+      errorReport.Add(d);
     }
   }
-  BoreholeSet chosen;
-  if (!HasErrors(diagnostics)) {
-    chosen = SelectHoles(all, names);
-    for (Diagnostic& d : CheckSectionSpacing(chosen.holes)) {
-      diagnostics.push_back(std::move(d));
-    }
-  }
-  std::string errors;
-  for (const Diagnostic& d : diagnostics) {
-    if (d.severity == Severity::Error) {
-      errors += (errors.empty() ? "" : "\n") + d.ToString();
-    } else {
-      warnings << d.ToString() << '\n';
-    }
-  }
-  if (!errors.empty()) {
+  warningReport.Finish();
+  if (errorReport.Count(Severity::Error) > 0) {
+    errorReport.Finish();
+    std::string errors = errorText.str();
+    errors.pop_back(); // the last newline; main ends the message
     throw InputError(errors);
   }
 
   SectionHoles section;
+  section.depthBelowGround = chosen.depthBelowGround;
   for (const HoleRecord& hole : chosen.holes) {
     section.names.push_back(hole.name);
     section.holes.push_back(hole.ToZK());
@@ -110,15 +96,23 @@ SectionHoles LoadSection(const InputOptions& options, const std::string& holeLis
   return section;
 }
 
-std::vector<std::string> CheckFile(const InputOptions& options, std::size_t& errors) {
-  const BoreholeSet set = ReadInput(options);
-  std::vector<std::string> problems;
-  errors = 0;
-  for (const Diagnostic& d : ValidateBoreholes(set)) {
-    problems.push_back(d.ToString());
-    errors += d.severity == Severity::Error ? 1 : 0;
+CheckCounts CheckFile(const InputOptions& options, std::ostream& out) {
+  BoreholeSet set = ReadInput(options);
+  std::set<std::string> excluded;
+  for (const std::string& name : SplitOption(options.exclude)) {
+    if (std::none_of(set.holes.begin(), set.holes.end(),
+                     [&](const HoleRecord& h) { return h.name == name; })) {
+      throw SelectionError(UnknownHoleMessage(set, name));
+    }
+    excluded.insert(name);
   }
-  return problems;
+  std::erase_if(set.holes, [&](const HoleRecord& h) { return excluded.count(h.name) > 0; });
+  std::erase_if(set.diagnostics, [&](const Diagnostic& d) { return excluded.count(d.hole) > 0; });
+
+  CappedReport report(out);
+  ValidateBoreholes(set, [&](const Diagnostic& d) { report.Add(d); });
+  report.Finish();
+  return {report.Count(Severity::Error), report.Count(Severity::Warning)};
 }
 
 } // namespace xklink

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -12,33 +11,43 @@ namespace xklink {
 // The input options every command shares.
 struct InputOptions {
   std::string file;
-  std::string format;      // json, ags or csv; empty: from the file's extension
-  std::string collars;     // collar table of the two-table CSV form
-  std::string depths;      // csv: "depth" or "elevation"; empty: from the headings
-  std::string codeColumn;  // the column of the stratum codes; empty: the reader's default
+  std::string format;        // json, ags or csv; empty: from the file's extension
+  std::string collars;       // collar table of the two-table CSV form
+  std::string depths;        // csv: "depth" or "elevation"; empty: from the headings
+  std::string codeColumn;    // the column of the stratum codes; empty: the reader's default
   bool mergeRepeats = false; // merge consecutive strata of one code into one
+  std::string exclude;       // holes never to use, comma-separated
+  bool strict = false;       // any problem refuses, instead of leaving a hole or row out
 };
 
 // Which holes a command works on when --holes is not given.
 enum class DefaultHoles {
-  FirstTwo,     // the first two holes of the file
-  AlongSection  // every hole, ordered along the section's principal direction
+  FirstTwo,    // the first two holes of the file
+  AlongSection // every hole, ordered along the section's principal direction
 };
 
 struct SectionHoles {
   std::vector<std::string> names; // UTF-8
   std::vector<DataType::_sZK> holes;
+  // No hole has a ground level: every collar is at 0 and elevations are minus depths.
+  bool depthBelowGround = false;
 };
 
-// Reads and validates the file, reports warnings on `warnings`, and returns the holes named in
-// `holeList` (comma-separated, in that order) or the default ones. Throws on any error: a file
-// that cannot be read, invalid data, an unknown hole name, fewer than two holes, two consecutive
-// holes at the same plan position.
+// Reads and validates the file, reports warnings on `warnings` (the first hundred, repeats
+// counted), and returns the holes named in `holeList` (comma-separated, in that order) or the
+// default ones, chosen as HolePolicy.h says. Throws on any error: a file that cannot be read,
+// invalid data in a hole the section needs, an unknown hole name, fewer than two holes, two
+// consecutive holes at the same plan position.
 SectionHoles LoadSection(const InputOptions& options, const std::string& holeList,
                          DefaultHoles defaults, std::ostream& warnings);
 
-// Every problem of the file, errors and warnings, as printable lines; nothing thrown for invalid
-// data (only for an unreadable file). The count of errors is returned in `errors`.
-std::vector<std::string> CheckFile(const InputOptions& options, std::size_t& errors);
+struct CheckCounts {
+  std::size_t errors = 0;
+  std::size_t warnings = 0;
+};
+
+// Writes every problem of the file to `out` (the first hundred, repeats counted); nothing thrown
+// for invalid data (only for an unreadable file).
+CheckCounts CheckFile(const InputOptions& options, std::ostream& out);
 
 } // namespace xklink
