@@ -70,6 +70,9 @@ struct DrawOptions {
   std::string title;
   // Unit of distances and elevations, written on the axes.
   std::string unit = "m";
+  // True when no hole has a known ground level: every collar is at 0 and the strata at minus their
+  // depths, so the vertical axis is the depth below ground and no ground level is written.
+  bool depthBelowGround = false;
   // Width of the whole sheet in SVG user units (pixels at 96 dpi); the height follows from the
   // data and the exaggeration.
   double sheetWidth = 1600.0;

@@ -271,7 +271,7 @@ private:
       header.hole = i;
       header.x = kMarginLeft + padding + (hole.chainage - m_extent.sMin) * m_sheet.scale;
       header.name = HoleName(hole);
-      header.groundLevel = "GL " + Signed(hole.zk.dTopGC, 2);
+      header.groundLevel = m_options.depthBelowGround ? "" : "GL " + Signed(hole.zk.dTopGC, 2);
       const double half = 0.5 * std::max(TextWidth(header.name, kHoleNameSize, true),
                                          TextWidth(header.groundLevel, kGroundLevelSize, false)) +
                           3.0;
@@ -604,7 +604,7 @@ private:
       const double y = Y(z);
       AddLine(Layer::Axes, {kMarginLeft - 5.0, y}, {kMarginLeft, y}, kBlack, 0.9);
       AddLine(Layer::Axes, {right, y}, {right + 5.0, y}, kBlack, 0.9);
-      const std::string label = Signed(z, zDecimals);
+      const std::string label = Signed(m_options.depthBelowGround ? -z + 0.0 : z, zDecimals);
       AddText(Layer::Axes, {kMarginLeft - 8.0, y + 0.36 * kAxisSize}, label, kAxisSize,
               Anchor::End);
       AddText(Layer::Axes, {right + 8.0, y + 0.36 * kAxisSize}, label, kAxisSize, Anchor::Start);
@@ -622,7 +622,9 @@ private:
     Text elevation;
     elevation.layer = Layer::Axes;
     elevation.at = {kMarginLeft - 62.0, kPlotTop + 0.5 * m_plotHeight};
-    elevation.text = "Elevation" + suffix;
+    elevation.text = !m_options.depthBelowGround ? "Elevation" + suffix
+                     : unit.empty()              ? std::string("Depth below ground")
+                                                 : "Depth (" + unit + " below ground)";
     elevation.size = kAxisTitleSize;
     elevation.anchor = Anchor::Middle;
     elevation.bold = true;

@@ -86,6 +86,7 @@ void AddSectionCommand(CLI::App& app) {
     DrawOptions draw;
     draw.exaggeration = options->exaggeration;
     draw.title = options->title;
+    draw.depthBelowGround = holes.depthBelowGround;
     const std::string drawing = extension == ".svg" ? RenderSvg(section, legend, draw)
                                                     : RenderDxf(section, legend, draw);
     WriteFileAtomically(options->output, drawing);
