@@ -3,7 +3,10 @@
 
 #include "Section.h"
 
+#include "Text.h"
+
 #include <gtest/gtest.h>
+#include <map>
 #include <regex>
 #include <set>
 #include <string>
@@ -46,6 +49,77 @@ TEST(ColourOf, LegendWinsAndBadLegendColoursFallBack) {
   EXPECT_EQ(ColourOf(legend, L"LC"), (Rgb{0x12, 0x34, 0x56}));
   EXPECT_EQ(ColourOf(legend, L"X"), Default(L"X"));
   EXPECT_EQ(ColourOf(legend, L"absent"), Default(L"absent"));
+}
+
+// A section of one hole per list of codes, each code a metre thick from the top down.
+Section Holes(const std::vector<std::vector<std::wstring>>& logs) {
+  Section section;
+  for (const auto& log : logs) {
+    SectionHole hole;
+    double top = 0.0;
+    for (const std::wstring& code : log) {
+      DataType::_sZKDC stratum;
+      stratum.strName = code;
+      stratum.dTopGC = top;
+      stratum.dBotGC = top - 1.0;
+      top -= 1.0;
+      hole.zk.vecDC.push_back(stratum);
+    }
+    section.holes.push_back(hole);
+  }
+  return section;
+}
+
+TEST(SectionLegend, EveryCodeOfASectionHasAColourOfItsOwn) {
+  // Twenty codes without meaning share the eighteen colours of the palette; with them, codes of
+  // known soils that keep their colours.
+  std::vector<std::wstring> log = {L"MG", L"CLAY", L"CHALK", L"SAND", L"silty SAND"};
+  for (int i = 1; i <= 20; ++i) {
+    log.push_back(L"U" + std::to_wstring(i));
+  }
+  const Legend legend = SectionLegend({}, Holes({log}), {});
+  ASSERT_EQ(legend.size(), log.size());
+  for (const auto& [code, entry] : legend) {
+    for (const auto& [other, otherEntry] : legend) {
+      if (code < other) {
+        EXPECT_GE(ColourDistance(*ParseColour(entry.colour), *ParseColour(otherEntry.colour)), 12.0)
+            << WideToUtf8(code) << " " << entry.colour << " and " << WideToUtf8(other) << " "
+            << otherEntry.colour;
+      }
+    }
+  }
+  for (const wchar_t* code : {L"MG", L"CLAY", L"CHALK", L"SAND"}) {
+    EXPECT_EQ(legend.at(code).colour, DefaultColour(code)) << WideToUtf8(code);
+  }
+}
+
+TEST(SectionLegend, ColoursAndLabelsFromTheUserTheFileOrTheCode) {
+  Legend given;
+  given[L"LC"] = {"#123456", "London Clay (user)"};
+  given[L"X"] = {"#123456", ""}; // the user's choice, even alike
+  const std::map<std::string, std::string> abbr = {
+      {"805", "Chalk"}, {"LC", "London Clay Formation"}, {"X", "Made ground"}};
+  const Legend legend = SectionLegend(given, Holes({{L"805", L"LC", L"X", L""}}), abbr);
+  const struct {
+    const wchar_t* code;
+    std::string colour;
+    std::string label;
+  } cases[] = {
+      {L"805", DefaultColour(L"CHALK"), "Chalk"}, // the meaning gives the colour
+      {L"LC", "#123456", "London Clay (user)"},
+      {L"X", "#123456", "Made ground"},
+      {L"", "#d0d0d0", ""}, // no code
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(legend.at(c.code).colour, c.colour) << WideToUtf8(c.code);
+    EXPECT_EQ(legend.at(c.code).label, c.label) << WideToUtf8(c.code);
+  }
+}
+
+TEST(SectionLegend, CodesInOrderOfTheMeanElevationOfTheirTops) {
+  // B tops at -1 and -1 (mean -1), C at -2 and 0 (mean -1): a tie, kept in code order.
+  EXPECT_EQ(CodesByMeanTop(Holes({{L"A", L"B", L"C"}, {L"C", L"B", L"D"}})),
+            (std::vector<std::wstring>{L"A", L"B", L"C", L"D"}));
 }
 
 } // namespace

@@ -349,6 +349,58 @@ std::optional<Rgb> ConventionalColour(std::string_view utf8, std::uint32_t hash)
   return FromHsl(hsl);
 }
 
+struct Lab {
+  double l;
+  double a;
+  double b;
+};
+
+// sRGB (D65) to CIE L*a*b*.
+Lab ToLab(Rgb c) {
+  const auto linear = [](std::uint8_t v) {
+    const double x = v / 255.0;
+    return x <= 0.04045 ? x / 12.92 : std::pow((x + 0.055) / 1.055, 2.4);
+  };
+  const double r = linear(c.r);
+  const double g = linear(c.g);
+  const double b = linear(c.b);
+  const auto f = [](double t) {
+    return t > 216.0 / 24389.0 ? std::cbrt(t) : (24389.0 / 27.0 * t + 16.0) / 116.0;
+  };
+  const double fx = f((0.4124 * r + 0.3576 * g + 0.1805 * b) / 0.95047);
+  const double fy = f(0.2126 * r + 0.7152 * g + 0.0722 * b);
+  const double fz = f((0.0193 * r + 0.1192 * g + 0.9505 * b) / 1.08883);
+  return {116.0 * fy - 16.0, 500.0 * (fx - fy), 200.0 * (fy - fz)};
+}
+
+// Fills closer than this are taken for one unit across a printed sheet: the complaint that chalk
+// and a silty sand, or made ground and clay, looked alike was about pairs 6 to 9 apart.
+constexpr double kDistinctFills = 12.0;
+
+// No code: a pale grey that reads as "not logged as anything".
+constexpr std::uint32_t kNoCodeColour = 0xd0d0d0;
+
+// The colours a code may take, most wanted first: its own, shades of its family (lighter and
+// darker, hue nudged), the palette, then hues round the circle at the golden angle, which never
+// repeat and stay apart from those before them.
+std::vector<Rgb> Candidates(Rgb preferred) {
+  std::vector<Rgb> out{preferred};
+  const Hsl base = ToHsl(preferred);
+  for (const double dl : {0.08, -0.08, 0.16, -0.16}) {
+    for (const double dh : {0.0, 12.0, -12.0}) {
+      out.push_back(FromHsl({base.h + dh, base.s, std::clamp(base.l + dl, 0.3, 0.93)}));
+    }
+  }
+  for (const std::uint32_t value : kPalette) {
+    out.push_back(FromValue(value));
+  }
+  for (int i = 0; i < 360; ++i) {
+    const double hue = std::fmod(i * 137.50776, 360.0);
+    out.push_back(FromHsl({hue, 0.35 + 0.2 * (i / 3 % 2), 0.55 + 0.1 * (i % 3)}));
+  }
+  return out;
+}
+
 } // namespace
 
 std::string DefaultColour(const std::wstring& code) {
@@ -412,6 +464,97 @@ Rgb ColourOf(const Legend& legend, const std::wstring& code) {
     }
   }
   return *ParseColour(DefaultColour(code));
+}
+
+namespace {
+
+Rgb Default(const std::wstring& code) {
+  return *ParseColour(DefaultColour(code));
+}
+
+} // namespace
+
+double ColourDistance(Rgb a, Rgb b) {
+  const Lab p = ToLab(a);
+  const Lab q = ToLab(b);
+  return std::sqrt((p.l - q.l) * (p.l - q.l) + (p.a - q.a) * (p.a - q.a) +
+                   (p.b - q.b) * (p.b - q.b));
+}
+
+std::vector<std::wstring> CodesByMeanTop(const Section& section) {
+  std::map<std::wstring, std::pair<double, double>> sums; // code -> (sum of tops, count)
+  for (const SectionHole& hole : section.holes) {
+    for (const DataType::_sZKDC& stratum : hole.zk.vecDC) {
+      auto& [sum, count] = sums[stratum.strName];
+      if (std::isfinite(stratum.dTopGC)) {
+        sum += stratum.dTopGC;
+        count += 1.0;
+      }
+    }
+  }
+  std::vector<std::pair<double, std::wstring>> order;
+  for (const auto& [code, sum] : sums) {
+    order.emplace_back(sum.second > 0.0 ? sum.first / sum.second : 0.0, code);
+  }
+  std::stable_sort(order.begin(), order.end(),
+                   [](const auto& a, const auto& b) { return a.first > b.first; });
+  std::vector<std::wstring> codes;
+  for (auto& entry : order) {
+    codes.push_back(std::move(entry.second));
+  }
+  return codes;
+}
+
+Legend SectionLegend(const Legend& given, const Section& section,
+                     const std::map<std::string, std::string>& descriptions) {
+  Legend out;
+  std::vector<Rgb> used;
+  std::vector<std::pair<std::wstring, Rgb>> conventional; // code, the colour it would like
+  std::vector<std::pair<std::wstring, Rgb>> others;
+  for (const std::wstring& code : CodesByMeanTop(section)) {
+    const auto it = given.find(code);
+    const std::optional<Rgb> colour =
+        it != given.end() ? ParseColour(it->second.colour) : std::nullopt;
+    std::string label = it != given.end() ? it->second.label : std::string();
+    if (label.empty()) {
+      const auto description = descriptions.find(WideToUtf8(code));
+      label = description != descriptions.end() ? description->second : std::string();
+    }
+    if (colour || code.empty()) {
+      // The user's colours stand as given, even when two are alike: the user chose them.
+      used.push_back(colour ? *colour : FromValue(kNoCodeColour));
+      out[code] = {ToHex(used.back()), std::move(label)};
+      continue;
+    }
+    // A code whose meaning the file gives ("805" is "Chalk") takes the colour of that meaning.
+    const std::string utf8 = WideToUtf8(code);
+    std::optional<Rgb> preferred = ConventionalColour(label, StableHash(utf8));
+    preferred = preferred ? preferred : ConventionalColour(utf8, StableHash(utf8));
+    out[code].label = std::move(label);
+    (preferred ? conventional : others).emplace_back(code, preferred ? *preferred : Default(code));
+  }
+  conventional.insert(conventional.end(), others.begin(), others.end());
+  for (const auto& [code, preferred] : conventional) {
+    // The first candidate that stands far enough from the colours given, else the furthest.
+    Rgb best{};
+    double bestDistance = -1.0;
+    for (const Rgb candidate : Candidates(preferred)) {
+      double nearest = HUGE_VAL;
+      for (const Rgb other : used) {
+        nearest = std::min(nearest, ColourDistance(candidate, other));
+      }
+      if (nearest > bestDistance) {
+        best = candidate;
+        bestDistance = nearest;
+      }
+      if (nearest >= kDistinctFills) {
+        break;
+      }
+    }
+    used.push_back(best);
+    out[code].colour = ToHex(best);
+  }
+  return out;
 }
 
 int NearestAci(Rgb colour) {

@@ -4,9 +4,11 @@
 #include "Section.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace xklink::drawing {
 
@@ -27,6 +29,23 @@ std::string ToHex(Rgb colour);
 // The colour of a code on the sheet: the legend's colour when it names a valid one, else
 // DefaultColour.
 Rgb ColourOf(const Legend& legend, const std::wstring& code);
+
+// How far apart two colours look: CIE76 distance in L*a*b* (about 2 is the least a trained eye
+// sees side by side; fills of a section need ten or more to be told apart across the sheet).
+double ColourDistance(Rgb a, Rgb b);
+
+// The codes of the section's holes in stratigraphic order: by the mean elevation of the tops of
+// their strata, highest first (ties by code).
+std::vector<std::wstring> CodesByMeanTop(const Section& section);
+
+// The legend of one section. Every code of its holes gets an entry: the colour and label the
+// user's legend gives, else a colour that no other code of the section has (its default colour
+// when that stands far enough from the colours already given, else a shade of its family, else
+// another hue), labelled with what the file says the code means (`descriptions`, UTF-8 code ->
+// text, from the file's ABBR group). Codes with a conventional colour choose first, the others in
+// stratigraphic order. The empty code (no code) is a pale grey.
+Legend SectionLegend(const Legend& given, const Section& section,
+                     const std::map<std::string, std::string>& descriptions);
 
 // The AutoCAD colour index (1..255) nearest to a colour, for viewers that ignore true colour.
 int NearestAci(Rgb colour);

@@ -206,13 +206,13 @@ private:
     Add(std::move(t));
   }
 
-  // Every code on the sheet, from the highest (mean elevation of its strata) down, the order in
-  // which a reader meets the strata on a log.
+  // Every code on the sheet, from the highest (mean elevation of the tops of its strata) down, the
+  // order in which a reader meets the strata on a log.
   void BuildLegendRows() {
     std::map<std::wstring, std::pair<double, double>> sums; // code -> (sum of mids, count)
     for (const std::size_t i : m_holes) {
       for (const DataType::_sZKDC& stratum : m_section.holes[i].zk.vecDC) {
-        const double mid = 0.5 * (stratum.dTopGC + stratum.dBotGC);
+        const double mid = stratum.dTopGC;
         auto& [sum, count] = sums[stratum.strName];
         if (std::isfinite(mid)) {
           sum += mid;

@@ -88,6 +88,7 @@ SectionHoles LoadSection(const InputOptions& options, const std::string& holeLis
 
   SectionHoles section;
   section.depthBelowGround = chosen.depthBelowGround;
+  section.codeDescriptions = all.codeDescriptions;
   for (const HoleRecord& hole : chosen.holes) {
     section.names.push_back(hole.name);
     section.holes.push_back(hole.ToZK());

@@ -3,6 +3,7 @@
 
 #include <XKLinkDc/XKLinkDc.h>
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,7 @@ struct SectionHoles {
   std::vector<DataType::_sZK> holes;
   // No hole has a ground level: every collar is at 0 and elevations are minus depths.
   bool depthBelowGround = false;
+  std::map<std::string, std::string> codeDescriptions; // code -> what the file says it means
 };
 
 // Reads and validates the file, reports warnings on `warnings` (the first hundred, repeats

@@ -6,6 +6,7 @@
 #include "PairCorrelation.h"
 #include "SectionLayout.h"
 
+#include "Colour.h"
 #include "Section.h"
 
 #include <algorithm>
@@ -87,8 +88,9 @@ void AddSectionCommand(CLI::App& app) {
     draw.exaggeration = options->exaggeration;
     draw.title = options->title;
     draw.depthBelowGround = holes.depthBelowGround;
-    const std::string drawing = extension == ".svg" ? RenderSvg(section, legend, draw)
-                                                    : RenderDxf(section, legend, draw);
+    const Legend colours = drawing::SectionLegend(legend, section, holes.codeDescriptions);
+    const std::string drawing = extension == ".svg" ? RenderSvg(section, colours, draw)
+                                                    : RenderDxf(section, colours, draw);
     WriteFileAtomically(options->output, drawing);
   });
 }
