@@ -2,7 +2,6 @@
 #include "Colour.h"
 
 #include "Section.h"
-
 #include "Text.h"
 
 #include <gtest/gtest.h>

@@ -115,20 +115,9 @@ private:
       }
       return;
     }
-    if (m_policy.named.size() < 2) {
-      throw SelectionError("a section needs at least two holes; " +
-                           std::to_string(m_policy.named.size()) +
-                           (m_policy.named.size() == 1 ? " was" : " were") + " named");
-    }
-    for (const std::string& name : m_policy.named) {
-      if (!m_named.insert(name).second) {
-        throw SelectionError("hole '" + name + "' is named twice");
-      }
-      const auto hole = m_byName.find(name);
-      if (hole == m_byName.end()) {
-        throw SelectionError(UnknownHoleMessage(m_set, name));
-      }
-      m_candidates.push_back(hole->second);
+    for (const std::size_t i : FindHoles(m_set, m_policy.named)) {
+      m_candidates.push_back(&m_set.holes[i]);
+      m_named.insert(m_set.holes[i].name);
     }
   }
 

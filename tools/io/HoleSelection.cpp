@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <set>
 
 namespace xklink {
@@ -51,27 +52,39 @@ std::vector<std::string> SplitHoleList(std::string_view list) {
   }
 }
 
-BoreholeSet SelectHoles(const BoreholeSet& set, const std::vector<std::string>& names) {
+std::vector<std::size_t> FindHoles(const BoreholeSet& set, const std::vector<std::string>& names) {
   if (names.size() < 2) {
     throw SelectionError("a section needs at least two holes; " + std::to_string(names.size()) +
                          (names.size() == 1 ? " was" : " were") + " named");
   }
-  BoreholeSet selected;
-  selected.source = set.source;
-  selected.fields = set.fields;
-  selected.skipped = set.skipped;
+  std::map<std::string, std::size_t> index; // the first hole of each name
+  for (std::size_t i = 0; i < set.holes.size(); ++i) {
+    index.try_emplace(set.holes[i].name, i);
+  }
   std::set<std::string> chosen;
+  std::vector<std::size_t> out;
   for (const auto& name : names) {
     if (!chosen.insert(name).second) {
       throw SelectionError("hole '" + name + "' is named twice");
     }
-    const auto hole = std::find_if(set.holes.begin(), set.holes.end(),
-                                   [&](const HoleRecord& h) { return h.name == name; });
-    if (hole == set.holes.end()) {
+    const auto hole = index.find(name);
+    if (hole == index.end()) {
       throw SelectionError(UnknownHoleMessage(set, name));
     }
-    selected.holes.push_back(*hole);
+    out.push_back(hole->second);
   }
+  return out;
+}
+
+BoreholeSet SelectHoles(const BoreholeSet& set, const std::vector<std::string>& names) {
+  BoreholeSet selected;
+  selected.source = set.source;
+  selected.fields = set.fields;
+  selected.skipped = set.skipped;
+  for (const std::size_t i : FindHoles(set, names)) {
+    selected.holes.push_back(set.holes[i]);
+  }
+  const std::set<std::string> chosen(names.begin(), names.end());
   std::copy_if(set.diagnostics.begin(), set.diagnostics.end(),
                std::back_inserter(selected.diagnostics),
                [&](const Diagnostic& d) { return d.hole.empty() || chosen.count(d.hole) > 0; });

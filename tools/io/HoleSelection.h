@@ -25,6 +25,10 @@ std::vector<std::string> SplitHoleList(std::string_view list);
 // differs only in case.
 std::string UnknownHoleMessage(const BoreholeSet& set, const std::string& name);
 
+// The index in set.holes of each named hole, in the order given. SelectionError for an unknown
+// name, a name given twice, and fewer than two names.
+std::vector<std::size_t> FindHoles(const BoreholeSet& set, const std::vector<std::string>& names);
+
 // The named holes in the order given, which is the order along the section. The diagnostics kept
 // are those of the file as a whole and of the chosen holes, so that a fault in a hole left out
 // does not stop a section that does not use it. SelectionError for an unknown name (saying why
