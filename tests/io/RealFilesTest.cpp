@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
 
 namespace xklink {
@@ -149,6 +150,59 @@ TEST(NleBatterseaTest, ReadsTheHoleAndGeolGroupsAndMergedLogsFollowTheLondonSequ
   const auto merged = ReadReal(kNle, true);
   EXPECT_EQ(Codes(Hole(merged, "BH01")), "TOP;MG;ALV;RTD;LC;HAR;LMG;");
   EXPECT_EQ(Codes(Hole(merged, "BH08")), "MG;RTD;LC;HAR;LMG;TS;");
+}
+
+// C6034: AGS 3.1 whose headings, <UNITS> and data lines wrap, with the HOLE group given twice
+// (the second adds headings of the producer's own to the same holes).
+TEST(C6034Test, ReadsWrappedLinesAndTheHoleGroupGivenTwice) {
+  const auto set = ReadReal("c6034-ags3/C6034.ags");
+  EXPECT_EQ(Counts(set), "25/104");
+  EXPECT_EQ(set.skipped, (std::map<std::string, std::string>{{"BH 3", "HOLE_NATE is empty"},
+                                                             {"BH 4", "HOLE_NATE is empty"},
+                                                             {"BH 5", "HOLE_NATE is empty"},
+                                                             {"BH 6", "HOLE_NATE is empty"}}));
+  EXPECT_EQ(Hole(set, "BH 1").x, 266120.85);
+  // The legend code of BH 1 4.00-5.85 stands on the <CONT> line below its row.
+  EXPECT_EQ(Stratum(Hole(set, "BH 1"), 2), "205 85.218..83.368@798 GEOL_LEG");
+  EXPECT_EQ(set.codeDescriptions.at("801"), "MUDSTONE");
+  EXPECT_EQ(Concerned(ValidateBoreholes(set), Severity::Error).second, 0U);
+}
+
+// River Roch: AGS4 whose descriptions run over several lines, the next ones indented by a tab.
+TEST(RiverRochTest, ReadsDescriptionsOverSeveralLinesAndFallsBackForTheHoleWithoutLegendCodes) {
+  const auto set = ReadReal("river-roch/River_Roch_Flood_Alleviation_Scheme.ags");
+  EXPECT_EQ(Counts(set), "19/77");
+  const auto& bh49 = Hole(set, "RIVER ROCH FLOOD ALLEVIATION SCHEME BH49");
+  EXPECT_EQ(Codes(bh49), "102;102;207;607;520;211;");
+  EXPECT_EQ(Stratum(bh49, 2), "207 144.08..143.48@38 GEOL_LEG");
+  // TP43 has no legend code, only GEOL_GEO2; ABBR lists codes as their own meaning, which is
+  // nothing to show.
+  EXPECT_EQ(Stratum(Hole(set, "RIVER ROCH FLOOD ALLEVIATION SCHEME TP43"), 0),
+            "MADE GROUND 144.75..144.25@58 GEOL_GEO2");
+  EXPECT_TRUE(set.codeDescriptions.empty());
+  EXPECT_EQ(Concerned(ValidateBoreholes(set), Severity::Error).second, 0U);
+}
+
+// Shottlegate: three holes that were never levelled (LOCA_GL empty).
+TEST(ShottlegateTest, HolesWithoutGroundLevelsAreReadInDepth) {
+  const auto set = ReadReal("shottlegate/Shottlegate_Project.ags");
+  EXPECT_EQ(Counts(set), "3/7");
+  for (const auto& hole : set.holes) {
+    EXPECT_FALSE(hole.groundLevelKnown) << hole.name;
+    EXPECT_EQ(hole.top, 0.0) << hole.name;
+  }
+  EXPECT_EQ(Stratum(Hole(set, "Shottlegate BH3"), 2), "801 -3..-6@68 GEOL_LEG");
+  EXPECT_EQ(set.codeDescriptions.at("333"), "Gravelly CLAY/SILT");
+}
+
+// DLR City Airport: the largest file, 100 locations, rows of 95 holes out of order, no fault.
+TEST(DlrCityAirportTest, ReadsEveryLocationWithItsCodesAndTheirMeanings) {
+  const auto set = ReadReal("dlr-city-airport/DLR_City_Airport_Extension.ags");
+  EXPECT_EQ(Counts(set), "100/775");
+  EXPECT_TRUE(set.skipped.empty());
+  EXPECT_EQ(Codes(Hole(set, "BH134")).substr(0, 24), "101;102;102;102;102;201;");
+  EXPECT_EQ(set.codeDescriptions.at("805"), "CHALK");
+  EXPECT_EQ(Concerned(ValidateBoreholes(set), Severity::Error).second, 0U);
 }
 
 // Araranguá: the two-table CSV form, Portuguese codes in UTF-8.

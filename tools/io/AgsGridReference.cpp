@@ -26,15 +26,17 @@ std::optional<GridReference> ReadAgsGridReference(std::string_view raw, const st
     return std::nullopt;
   }
   std::optional<GridReference> grid;
-  for (const AgsRow& row : found->second.rows) {
-    const std::string name(TrimSpaces(row.values[*column]));
+  const AgsGroup& rows = found->second;
+  for (std::size_t row = 0; row < rows.RowCount(); ++row) {
+    const std::string name(TrimSpaces(rows.Cell(row, *column)));
+    const std::size_t line = rows.rowLines[row];
     if (IsNullField(name)) {
       continue;
     }
     if (!grid) {
-      grid = GridReference{name, {file, row.line, heading}};
+      grid = GridReference{name, {file, line, heading}};
     } else if (name != grid->name) {
-      throw ParseError({file, row.line, heading}, "the holes are on two grids, '" + grid->name +
+      throw ParseError({file, line, heading}, "the holes are on two grids, '" + grid->name +
                                                       "' (line " +
                                                       std::to_string(grid->where.line) + ") and '" +
                                                       name + "'; convert them to one grid first");

@@ -95,29 +95,4 @@ std::vector<CsvRecord> ReadCsvRecords(std::string_view text, const std::string& 
   return std::move(collector.records);
 }
 
-std::vector<std::string> SplitAgsLine(std::string_view line, const SourceRef& where,
-                                      std::vector<Diagnostic>& diagnostics) {
-  const auto split = [&](unsigned char options, bool& ok) {
-    CsvParser parser(options);
-    Collector collector;
-    std::size_t stoppedAt = 0;
-    ok = ParseChunk(parser, line, collector, stoppedAt) &&
-         csv_fini(parser.Get(), OnField, OnRecordEnd, &collector) == 0;
-    if (!collector.fields.empty()) { // a record cut short by an error
-      collector.records.push_back({where.line, std::move(collector.fields)});
-    }
-    return collector.records.empty() ? std::vector<std::string>{}
-                                     : std::move(collector.records.front().fields);
-  };
-  bool ok = false;
-  auto fields = split(kStrict, ok);
-  if (ok) {
-    return fields;
-  }
-  diagnostics.push_back(MakeWarning(
-      where, "quotes not doubled inside a field; read leniently, keeping stray quotes as text"));
-  fields = split(0, ok);
-  return fields;
-}
-
 } // namespace xklink

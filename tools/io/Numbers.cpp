@@ -12,12 +12,16 @@
 namespace xklink {
 
 std::string_view TrimSpaces(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) {
-    return {};
+  // A plain loop: find_first_not_of searches the set of two for every byte, and this runs on every
+  // field of every file.
+  const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+  while (!text.empty() && blank(text.front())) {
+    text.remove_prefix(1);
   }
-  const auto last = text.find_last_not_of(" \t");
-  return text.substr(first, last - first + 1);
+  while (!text.empty() && blank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
 }
 
 bool IsNullField(std::string_view text) {
@@ -63,7 +67,9 @@ double DecimalDifference(const Decimal& a, const Decimal& b) {
   if (a.places < 0 || b.places < 0 || places > kMostPlaces || !std::isfinite(difference)) {
     return difference;
   }
-  const double scale = std::pow(10.0, places);
+  static constexpr std::array<double, kMostPlaces + 1> kPowersOfTen = {
+      1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  const double scale = kPowersOfTen[static_cast<std::size_t>(places)];
   // Both values are within half an ulp of their decimals and the subtraction adds half an ulp of
   // the larger; the rounding recovers the decimal result only while that error, scaled, stays far
   // below half a unit of the last decimal.

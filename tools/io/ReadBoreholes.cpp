@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cctype>
 #include <stdexcept>
+#include <utility>
 
 namespace xklink {
 
@@ -26,17 +27,15 @@ std::optional<Format> FormatFromContent(std::string_view text) {
   if (DetectAgsEdition(text)) {
     return Format::Ags;
   }
-  const auto lines = SplitLines(text);
-  const auto first = std::find_if(lines.begin(), lines.end(),
-                                  [](const SourceLine& l) { return !IsNullField(l.text); });
-  if (first == lines.end()) {
+  const auto first = text.find_first_not_of(" \t\r\n");
+  if (first == std::string_view::npos) {
     return std::nullopt;
   }
-  const auto trimmed = TrimSpaces(first->text);
-  if (trimmed.front() == '{') {
+  const auto line = text.substr(first, text.find_first_of("\r\n", first) - first);
+  if (line.front() == '{') {
     return Format::Json;
   }
-  if (trimmed.find(',') != std::string_view::npos) {
+  if (line.find(',') != std::string_view::npos) {
     return Format::Csv;
   }
   return std::nullopt;
@@ -82,8 +81,12 @@ Format DetectFormat(const std::filesystem::path& file) {
   if (extension == ".csv") {
     return Format::Csv;
   }
-  if (const auto format = FormatFromContent(ReadSourceFile(file))) {
+  const std::string text = ReadSourceFile(file);
+  if (const auto format = FormatFromContent(text)) {
     return *format;
+  }
+  if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
+    throw ParseError({DisplayName(file), 0, {}}, "empty file");
   }
   throw ParseError({DisplayName(file), 0, {}},
                    "cannot tell the format from the name or the content; give it (json, ags or "
@@ -96,7 +99,7 @@ BoreholeSet ReadBoreholes(const std::filesystem::path& file, Format format,
     throw std::invalid_argument("a collar file goes with a CSV interval table, not with " +
                                 FormatName(format) + " input");
   }
-  const std::string text = ReadSourceFile(file);
+  std::string text = ReadSourceFile(file);
   const std::string name = DisplayName(file);
   BoreholeSet set;
   switch (format) {
@@ -104,7 +107,7 @@ BoreholeSet ReadBoreholes(const std::filesystem::path& file, Format format,
     set = ReadJsonBoreholes(text, name, options);
     break;
   case Format::Ags:
-    set = ReadAgsBoreholes(text, name, options);
+    set = ReadAgsBoreholes(std::move(text), name, options);
     break;
   case Format::Csv:
     set = ReadCsvBoreholes(text, name, options);

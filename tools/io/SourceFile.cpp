@@ -4,8 +4,8 @@
 #include "Text.h"
 
 #include <algorithm>
+#include <array>
 #include <fstream>
-#include <sstream>
 #include <system_error>
 
 namespace xklink {
@@ -28,12 +28,33 @@ std::string ReadSourceFile(const std::filesystem::path& file) {
   if (!in) {
     throw ParseError(where, "cannot open the file for reading");
   }
-  std::ostringstream buffer;
-  buffer << in.rdbuf();
+  // One buffer of the file's size, filled in place: a file of hundreds of megabytes is not copied.
+  std::string text;
+  if (const auto size = std::filesystem::file_size(file, ec); !ec) {
+    text.resize(static_cast<std::size_t>(size));
+    in.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(in.gcount()));
+  }
+  // What is left (a file that grew, or one of unknown size such as a pipe) comes in chunks.
+  std::array<char, 65536> chunk{};
+  while (in) {
+    in.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
+    text.append(chunk.data(), static_cast<std::size_t>(in.gcount()));
+  }
   if (in.bad()) {
     throw ParseError(where, "cannot read the file");
   }
-  return std::string(StripUtf8Bom(buffer.str()));
+  if (const auto utf16 = Utf16ToUtf8(text)) {
+    if (!utf16->ok) {
+      throw ParseError(where, "UTF-16 text (it starts with a UTF-16 byte-order mark) with an odd "
+                              "number of bytes: the file is cut short");
+    }
+    return std::move(utf16->text);
+  }
+  if (const auto bom = StripUtf8Bom(text); bom.size() != text.size()) {
+    text.erase(0, text.size() - bom.size());
+  }
+  return text;
 }
 
 std::vector<SourceLine> SplitLines(std::string_view text) {
@@ -73,11 +94,24 @@ std::size_t LineIndex::LineOf(std::size_t offset) const {
   return static_cast<std::size_t>(next - m_lineStarts.begin());
 }
 
-void RequireUtf8Text(std::string_view text, const std::string& file) {
-  if (const auto nul = text.find('\0'); nul != std::string_view::npos) {
-    throw ParseError({file, LineIndex(text).LineOf(nul), {}},
-                     "contains a NUL byte: this is not a text file");
+void RequireNoNulBytes(std::string_view text, const std::string& file) {
+  const auto nul = text.find('\0');
+  if (nul == std::string_view::npos) {
+    return;
   }
+  // UTF-16 puts a NUL beside every ASCII character: in the first line, about every other byte.
+  const auto head = text.substr(0, 200);
+  const auto nuls = static_cast<std::size_t>(std::count(head.begin(), head.end(), '\0'));
+  if (head.size() >= 8 && 3 * nuls >= head.size()) {
+    throw ParseError({file, 0, {}}, "looks like UTF-16 text without a byte-order mark; save it as "
+                                    "UTF-8 (or as UTF-16 with a byte-order mark)");
+  }
+  throw ParseError({file, LineIndex(text).LineOf(nul), {}},
+                   "contains a NUL byte: this is not a text file");
+}
+
+void RequireUtf8Text(std::string_view text, const std::string& file) {
+  RequireNoNulBytes(text, file);
   if (const auto bad = FindInvalidUtf8(text)) {
     const auto line = LineIndex(text).LineOf(*bad);
     const auto lineStart = text.find_last_of("\r\n", *bad);

@@ -9,8 +9,9 @@
 
 namespace xklink {
 
-// The bytes of a file without a UTF-8 byte-order mark. ParseError naming the file when it does not
-// exist, is a directory or cannot be read.
+// The text of a file as UTF-8: without a UTF-8 byte-order mark, and converted from UTF-16 when it
+// starts with a UTF-16 byte-order mark (as Windows programs save "Unicode" text). ParseError naming
+// the file when it does not exist, is a directory or cannot be read.
 std::string ReadSourceFile(const std::filesystem::path& file);
 
 // The name of a file in messages: the path as the user gave it.
@@ -35,8 +36,11 @@ private:
   std::vector<std::size_t> m_lineStarts;
 };
 
-// ParseError naming the line of the first byte that is not valid UTF-8, or of a NUL byte (a
-// binary file given by mistake).
+// ParseError naming the line of the first NUL byte: a binary file given by mistake, or UTF-16
+// without a byte-order mark (which the message then names).
+void RequireNoNulBytes(std::string_view text, const std::string& file);
+
+// RequireNoNulBytes, and ParseError naming the line of the first byte that is not valid UTF-8.
 void RequireUtf8Text(std::string_view text, const std::string& file);
 
 } // namespace xklink

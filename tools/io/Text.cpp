@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace xklink {
 
@@ -158,6 +159,16 @@ std::wstring FromUtf8(std::string_view utf8, const SourceRef& where) {
 
 std::optional<std::size_t> FindInvalidUtf8(std::string_view bytes) {
   for (std::size_t i = 0; i < bytes.size();) {
+    // Most text is ASCII: pass over it eight bytes at a time.
+    constexpr std::uint64_t kHighBits = 0x8080808080808080ULL;
+    std::uint64_t word = 0;
+    while (i + sizeof word <= bytes.size() &&
+           (std::memcpy(&word, bytes.data() + i, sizeof word), (word & kHighBits) == 0)) {
+      i += sizeof word;
+    }
+    if (i == bytes.size()) {
+      break;
+    }
     const auto sequence = DecodeAt(bytes, i);
     if (!sequence) {
       return i;
@@ -173,6 +184,38 @@ std::string_view StripUtf8Bom(std::string_view text) {
     text.remove_prefix(kBom.size());
   }
   return text;
+}
+
+std::optional<Utf16Text> Utf16ToUtf8(std::string_view bytes) {
+  if (bytes.size() < 2) {
+    return std::nullopt;
+  }
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+  bool bigEndian = false;
+  if (byte(0) == 0xFEU && byte(1) == 0xFFU) {
+    bigEndian = true;
+  } else if (byte(0) != 0xFFU || byte(1) != 0xFEU) {
+    return std::nullopt;
+  }
+  const auto unitAt = [&](std::size_t i) -> char32_t {
+    return bigEndian ? (char32_t{byte(i)} << 8U) | byte(i + 1)
+                     : (char32_t{byte(i + 1)} << 8U) | byte(i);
+  };
+  Utf16Text out;
+  out.ok = bytes.size() % 2 == 0;
+  out.text.reserve(bytes.size() / 2);
+  for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+    char32_t cp = unitAt(i);
+    if (cp >= 0xD800U && cp <= 0xDBFFU && i + 3 < bytes.size()) {
+      const char32_t low = unitAt(i + 2);
+      if (low >= 0xDC00U && low <= 0xDFFFU) {
+        cp = 0x10000U + ((cp - 0xD800U) << 10U) + (low - 0xDC00U);
+        i += 2;
+      }
+    }
+    AppendUtf8(out.text, IsSurrogate(cp) ? kReplacement : cp);
+  }
+  return out;
 }
 
 std::string Windows1252FallbackToUtf8(std::string_view bytes) {

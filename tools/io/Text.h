@@ -25,6 +25,15 @@ std::optional<std::size_t> FindInvalidUtf8(std::string_view bytes);
 // The text without a leading UTF-8 byte-order mark (EF BB BF), which spreadsheet programs write.
 std::string_view StripUtf8Bom(std::string_view text);
 
+// The UTF-8 of a text that starts with a UTF-16 byte-order mark (FF FE little-endian, FE FF
+// big-endian), without the mark; nothing when there is no such mark. An unpaired surrogate becomes
+// U+FFFD; `ok` is false when the byte count is odd (the file was cut).
+struct Utf16Text {
+  std::string text;
+  bool ok = true;
+};
+std::optional<Utf16Text> Utf16ToUtf8(std::string_view bytes);
+
 // Valid UTF-8 sequences as they are; every other byte read as Windows-1252, the code page of most
 // files that are not UTF-8 (a degree sign written by Excel on Windows is the single byte B0).
 std::string Windows1252FallbackToUtf8(std::string_view bytes);
