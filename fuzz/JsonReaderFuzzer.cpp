@@ -1,8 +1,9 @@
 // The JSON reader on arbitrary bytes: it either refuses the input with a ParseError or returns a
 // set whose validation and, when clean, correlation must run without a fault. nlohmann's parser
-// does the syntax; what is ours is the position tracking around it (a counting iterator, a SAX
-// builder keyed by JSON pointer paths) and the schema, which must survive any document shape:
-// deep nesting, duplicate keys, keys with '/' and '~', huge and special numbers.
+// does the syntax; what is ours is the position tracking around it (a counting iterator) and the
+// event handler that reads the schema, which must survive any document shape in bounded time:
+// deep nesting (refused past the limit), nested objects with keys after their children, duplicate
+// keys, huge and special numbers.
 #include "JsonReader.h"
 #include "ReaderFuzzing.h"
 

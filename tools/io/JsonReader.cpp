@@ -4,20 +4,20 @@
 #include "Text.h"
 
 #include <iterator>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace xklink {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Json = nlohmann::json; // for the types of the parser's events; no document is built
 
 // A character iterator that tells how far the JSON lexer has read, so that each value can be given
-// the line it stands on (nlohmann::json keeps no positions in its values).
+// the line it stands on.
 class CountingIterator {
 public:
   using iterator_category = std::input_iterator_tag;
@@ -50,51 +50,113 @@ private:
   std::size_t* m_consumed = nullptr;
 };
 
-// "/boreholes/3/strata/0/top" in JSON pointer syntax.
-std::string ChildPath(const std::string& parent, const std::string& key) {
-  std::string escaped;
-  for (const char c : key) {
-    escaped += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
+// A member of a hole or a stratum as the file gave it: its kind, its value when it is one the tool
+// reads, and the line of its key.
+struct Member {
+  enum class Kind { Absent, Null, Boolean, Number, String, Array, Object };
+  Kind kind = Kind::Absent;
+  double number = 0.0;
+  bool boolean = false;
+  std::string text;
+  std::size_t line = 0;
+
+  static Member Of(Kind kind) {
+    Member m;
+    m.kind = kind;
+    return m;
   }
-  return parent + "/" + escaped;
+};
+
+const char* TypeName(Member::Kind kind) {
+  switch (kind) {
+  case Member::Kind::Number:
+    return "a number";
+  case Member::Kind::String:
+    return "a string";
+  case Member::Kind::Boolean:
+    return "true or false";
+  case Member::Kind::Null:
+    return "null";
+  case Member::Kind::Array:
+    return "an array";
+  default:
+    return "an object";
+  }
 }
 
-// Builds the document from nlohmann's SAX events and notes the line of every member and element
-// that the schema may name in a message: the root and its members, "boreholes" and each hole, the
-// members of a hole, its "strata" and each stratum with its members. Nothing below is ever named,
-// and keeping a path for every value there made memory grow with the square of the input: 64 kB
-// of nested brackets, or a long key over a long array, took gigabytes.
-class LocatingBuilder {
+// What an open object or array stands for in the borehole schema.
+enum class Role { Root, Boreholes, Hole, Strata, Stratum, Ignored };
+
+struct Frame {
+  Role role;
+  bool object;
+  std::size_t line;                                  // where it opened
+  std::unordered_map<std::string, std::size_t> keys; // member -> line, to name a duplicate's first
+  std::string key;                                   // the member whose value comes next
+  std::size_t keyLine = 0;
+};
+
+// A stratum or hole being read, with the members the tool uses and its warnings.
+struct PendingStratum {
+  std::size_t line = 0;
+  Member code, top, bottom, aux, flag;
+  std::vector<std::pair<SourceRef, std::string>> warnings;
+};
+
+struct PendingHole {
+  std::size_t line = 0;
+  Member name, x, y, top, strata;
+  std::vector<std::pair<SourceRef, std::string>> warnings; // its own, then its strata's
+  std::vector<StratumRecord> strataRead;
+  std::vector<std::pair<SourceRef, std::string>> strataWarnings;
+  std::optional<ParseError> strataError; // the first stratum that could not be read
+};
+
+// Reads the boreholes from the parser's events, one value at a time, keeping only the members the
+// tool uses: no document is built, so a file costs memory for its holes and strata and for the
+// containers open at one time, whatever the shape of the members it ignores.
+//
+// A problem of the schema (a missing member, a mistyped value) is noted and reported once the
+// whole file has been parsed, so that a syntax error anywhere comes first, as it would from a
+// reader that parses before it looks; among problems of the schema, the first hole's comes first,
+// and within a hole, its own members come before its strata, in the order name, x, y, top, strata.
+class BoreholeHandler {
 public:
-  LocatingBuilder(std::string file, const LineIndex& lines, const std::size_t& consumed)
+  BoreholeHandler(std::string file, const LineIndex& lines, const std::size_t& consumed)
       : m_file(std::move(file)), m_lines(lines), m_consumed(consumed) {}
 
-  bool null() { return Add(Json(nullptr)); }
-  bool boolean(bool value) { return Add(Json(value)); }
-  bool number_integer(Json::number_integer_t value) { return Add(Json(value)); }
-  bool number_unsigned(Json::number_unsigned_t value) { return Add(Json(value)); }
-  bool number_float(Json::number_float_t value, const std::string& /*text*/) {
-    return Add(Json(value));
+  bool null() { return Scalar(Member::Of(Member::Kind::Null)); }
+  bool boolean(bool value) {
+    Member m = Member::Of(Member::Kind::Boolean);
+    m.boolean = value;
+    return Scalar(std::move(m));
   }
-  bool string(std::string& value) { return Add(Json(std::move(value))); }
-  bool binary(Json::binary_t& value) { return Add(Json(std::move(value))); }
-  bool start_object(std::size_t /*elements*/) { return Open(Json::object()); }
-  bool start_array(std::size_t /*elements*/) { return Open(Json::array()); }
+  bool number_integer(Json::number_integer_t value) { return Number(static_cast<double>(value)); }
+  bool number_unsigned(Json::number_unsigned_t value) { return Number(static_cast<double>(value)); }
+  bool number_float(Json::number_float_t value, const std::string& /*text*/) {
+    return Number(value);
+  }
+  bool string(std::string& value) {
+    Member m = Member::Of(Member::Kind::String);
+    m.text = std::move(value);
+    return Scalar(std::move(m));
+  }
+  bool binary(Json::binary_t& /*value*/) { return Scalar(Member::Of(Member::Kind::Null)); }
+  bool start_object(std::size_t /*elements*/) { return Open(true); }
+  bool start_array(std::size_t /*elements*/) { return Open(false); }
   bool end_object() { return Close(); }
   bool end_array() { return Close(); }
 
   bool key(std::string& name) {
     Frame& frame = m_frames.back();
-    const auto [first, inserted] = frame.keys.emplace(name, CurrentLine());
+    const std::size_t line = CurrentLine();
+    const auto [first, inserted] = frame.keys.emplace(name, line);
     if (!inserted) {
-      throw ParseError({m_file, CurrentLine(), name},
-                       "duplicate key in the same object (first at line " +
-                           std::to_string(first->second) + ")");
+      throw ParseError({m_file, line, name}, "duplicate key in the same object (first at line " +
+                                                 std::to_string(first->second) + ")");
     }
-    m_key = name;
-    if (frame.path) {
-      m_linesByPath[ChildPath(*frame.path, name)] = CurrentLine();
-    }
+    frame.key = std::move(name);
+    frame.keyLine = line;
     return true;
   }
 
@@ -114,239 +176,267 @@ public:
     throw ParseError({m_file, CurrentLine(), {}}, "JSON: " + message);
   }
 
-  Json TakeDocument() { return std::move(m_root); }
-  std::unordered_map<std::string, std::size_t> TakeLines() { return std::move(m_linesByPath); }
+  // The set read, or the first problem of the schema; to be called once the parse is complete.
+  BoreholeSet Take() {
+    if (m_error) {
+      throw *m_error;
+    }
+    BoreholeSet set;
+    set.source = m_file;
+    set.holes = std::move(m_holes);
+    set.diagnostics = std::move(m_rootWarnings);
+    for (Diagnostic& d : m_holeWarnings) {
+      set.diagnostics.push_back(std::move(d));
+    }
+    return set;
+  }
 
 private:
-  struct Frame {
-    Json* value;
-    std::optional<std::string> path; // only when the lines of the members are kept
-    std::size_t nextIndex = 0;
-    std::map<std::string, std::size_t> keys; // member -> line, to name the first of a duplicate
-  };
-
-  // Whether the lines of the members of a container are kept: the container at `depth` (the root
-  // is 0) reached through `step` (a key or an index) from a container whose lines are kept.
-  static bool KeepsLines(std::size_t depth, const std::string& step) {
-    switch (depth) {
-    case 0: // the document
-    case 2: // a hole
-    case 4: // a stratum
-      return true;
-    case 1:
-      return step == "boreholes";
-    case 3:
-      return step == "strata";
-    default:
-      return false;
-    }
-  }
-
   std::size_t CurrentLine() const { return m_lines.LineOf(m_consumed == 0 ? 0 : m_consumed - 1); }
-
-  // Places a value in the open container and returns it with its path, when the lines of its
-  // members are to be kept.
-  std::pair<Json*, std::optional<std::string>> Place(Json&& value) {
-    if (m_frames.empty()) {
-      m_root = std::move(value);
-      m_linesByPath[""] = CurrentLine();
-      return {&m_root, ""};
+  SourceRef Ref(std::size_t line, std::string field) const {
+    return {m_file, line, std::move(field)};
+  }
+  void Fail(SourceRef where, const std::string& message) {
+    if (!m_error) {
+      m_error.emplace(std::move(where), message);
     }
-    Frame& frame = m_frames.back();
-    Json* placed = nullptr;
-    std::string step;
-    if (frame.value->is_array()) {
-      step = std::to_string(frame.nextIndex++);
-      frame.value->push_back(std::move(value));
-      placed = &frame.value->back();
-    } else {
-      step = m_key;
-      placed = &((*frame.value)[m_key] = std::move(value));
-    }
-    if (!frame.path) {
-      return {placed, std::nullopt};
-    }
-    auto path = ChildPath(*frame.path, step);
-    if (frame.value->is_array()) {
-      m_linesByPath[path] = CurrentLine(); // a member's line is noted at its key
-    }
-    if (!KeepsLines(m_frames.size(), step)) {
-      return {placed, std::nullopt};
-    }
-    return {placed, std::move(path)};
   }
 
-  bool Add(Json&& value) {
+  bool Number(double value) {
+    Member m = Member::Of(Member::Kind::Number);
+    m.number = value;
+    return Scalar(std::move(m));
+  }
+
+  bool Scalar(Member value) {
     Place(std::move(value));
     return true;
   }
-  bool Open(Json&& container) {
-    auto [value, path] = Place(std::move(container));
-    m_frames.push_back({value, std::move(path), 0, {}});
+
+  bool Open(bool object) {
+    if (m_frames.size() >= kMaxJsonNesting) {
+      // Named after the innermost member it lies in: in "[[[..." under "notes", field notes.
+      std::string field;
+      for (auto frame = m_frames.rbegin(); frame != m_frames.rend() && field.empty(); ++frame) {
+        field = frame->object ? frame->key : std::string();
+      }
+      throw ParseError({m_file, CurrentLine(), field}, "JSON nested more than " +
+                                                           std::to_string(kMaxJsonNesting) +
+                                                           " levels deep; a borehole file needs 5");
+    }
+    const Role role = Place(Member::Of(object ? Member::Kind::Object : Member::Kind::Array));
+    m_frames.push_back({role, object, CurrentLine(), {}, {}, 0});
     return true;
   }
+
   bool Close() {
+    const Frame frame = std::move(m_frames.back());
     m_frames.pop_back();
+    switch (frame.role) {
+    case Role::Root:
+      if (!m_sawBoreholes) {
+        Fail(Ref(frame.line, "boreholes"), "missing");
+      }
+      break;
+    case Role::Hole:
+      FinishHole();
+      break;
+    case Role::Stratum:
+      FinishStratum();
+      break;
+    default:
+      break;
+    }
     return true;
+  }
+
+  // Takes a value (a scalar, or the start of a container) where it stands in the schema and returns
+  // what it is, for a container to be pushed.
+  Role Place(Member value) {
+    const Member::Kind kind = value.kind;
+    if (m_frames.empty()) {
+      if (kind != Member::Kind::Object) {
+        Fail(Ref(CurrentLine(), {}),
+             std::string("expected an object {\"boreholes\": [...]}, found ") + TypeName(kind));
+        return Role::Ignored;
+      }
+      return Role::Root;
+    }
+    Frame& parent = m_frames.back();
+    value.line = parent.object ? parent.keyLine : CurrentLine();
+    switch (parent.role) {
+    case Role::Root:
+      if (parent.key != "boreholes") {
+        m_rootWarnings.push_back(
+            MakeWarning(Ref(value.line, parent.key), "unknown member, ignored"));
+        return Role::Ignored;
+      }
+      m_sawBoreholes = true;
+      if (kind != Member::Kind::Array) {
+        Fail(Ref(value.line, "boreholes"),
+             std::string("expected an array of boreholes, found ") + TypeName(kind));
+        return Role::Ignored;
+      }
+      return Role::Boreholes;
+    case Role::Boreholes:
+      if (kind != Member::Kind::Object) {
+        Fail(Ref(value.line, "boreholes"),
+             std::string("expected a borehole object, found ") + TypeName(kind));
+        return Role::Ignored;
+      }
+      m_hole = PendingHole{};
+      m_hole.line = value.line;
+      return Role::Hole;
+    case Role::Hole:
+      return PlaceInHole(parent.key, std::move(value));
+    case Role::Strata:
+      if (kind != Member::Kind::Object) {
+        if (!m_hole.strataError) {
+          m_hole.strataError.emplace(Ref(value.line, "strata"),
+                                     std::string("expected a stratum object, found ") +
+                                         TypeName(kind));
+        }
+        return Role::Ignored;
+      }
+      m_stratum = PendingStratum{};
+      m_stratum.line = value.line;
+      return Role::Stratum;
+    case Role::Stratum:
+      return PlaceInStratum(parent.key, std::move(value));
+    default:
+      return Role::Ignored;
+    }
+  }
+
+  Role PlaceInHole(const std::string& key, Member value) {
+    const Member::Kind kind = value.kind;
+    Member* slot = key == "name"     ? &m_hole.name
+                   : key == "x"      ? &m_hole.x
+                   : key == "y"      ? &m_hole.y
+                   : key == "top"    ? &m_hole.top
+                   : key == "strata" ? &m_hole.strata
+                                     : nullptr;
+    if (slot == nullptr) {
+      m_hole.warnings.emplace_back(Ref(value.line, key), "unknown member, ignored");
+      return Role::Ignored;
+    }
+    *slot = std::move(value);
+    return slot == &m_hole.strata && kind == Member::Kind::Array ? Role::Strata : Role::Ignored;
+  }
+
+  Role PlaceInStratum(const std::string& key, Member value) {
+    Member* slot = key == "code"     ? &m_stratum.code
+                   : key == "top"    ? &m_stratum.top
+                   : key == "bottom" ? &m_stratum.bottom
+                   : key == "aux"    ? &m_stratum.aux
+                   : key == "flag"   ? &m_stratum.flag
+                                     : nullptr;
+    if (slot == nullptr) {
+      m_stratum.warnings.emplace_back(Ref(value.line, key), "unknown member, ignored");
+    } else {
+      *slot = std::move(value);
+    }
+    return Role::Ignored;
+  }
+
+  // The member as the kind the schema asks for: "missing" names the object's line, a wrong kind
+  // the member's own.
+  const Member& Require(const Member& member, Member::Kind kind, std::size_t objectLine,
+                        const char* key) const {
+    if (member.kind == Member::Kind::Absent) {
+      throw ParseError(Ref(objectLine, key), "missing");
+    }
+    if (member.kind != kind) {
+      const char* expected = kind == Member::Kind::Number   ? "a number"
+                             : kind == Member::Kind::String ? "a string"
+                                                            : "true or false";
+      throw ParseError(Ref(member.line, key),
+                       std::string("expected ") + expected + ", found " + TypeName(member.kind));
+    }
+    return member;
+  }
+
+  void FinishStratum() {
+    if (m_error || m_hole.strataError) {
+      return;
+    }
+    const PendingStratum& s = m_stratum;
+    try {
+      StratumRecord stratum;
+      stratum.where = Ref(s.line, "code");
+      const Member& code = Require(s.code, Member::Kind::String, s.line, "code");
+      stratum.dc.strName = FromUtf8(code.text, Ref(code.line, "code"));
+      stratum.dc.dTopGC = Require(s.top, Member::Kind::Number, s.line, "top").number;
+      stratum.dc.dBotGC = Require(s.bottom, Member::Kind::Number, s.line, "bottom").number;
+      if (s.aux.kind != Member::Kind::Absent) {
+        stratum.dc.dAux = Require(s.aux, Member::Kind::Number, s.line, "aux").number;
+      }
+      if (s.flag.kind != Member::Kind::Absent) {
+        stratum.dc.bAux = Require(s.flag, Member::Kind::Boolean, s.line, "flag").boolean;
+      }
+      if (stratum.dc.strName.empty()) {
+        m_hole.strataWarnings.emplace_back(stratum.where,
+                                           "empty code: the stratum gets an empty code");
+      }
+      for (const auto& warning : s.warnings) {
+        m_hole.strataWarnings.push_back(warning);
+      }
+      m_hole.strataRead.push_back(std::move(stratum));
+    } catch (const ParseError& error) {
+      m_hole.strataError = error;
+    }
+  }
+
+  void FinishHole() {
+    if (m_error) {
+      return;
+    }
+    const PendingHole& h = m_hole;
+    try {
+      HoleRecord hole;
+      const Member& name = Require(h.name, Member::Kind::String, h.line, "name");
+      if (name.text.empty()) {
+        throw ParseError(Ref(name.line, "name"), "empty: a borehole needs a name");
+      }
+      hole.name = name.text;
+      hole.where = Ref(h.line, "name");
+      hole.x = Require(h.x, Member::Kind::Number, h.line, "x").number;
+      hole.y = Require(h.y, Member::Kind::Number, h.line, "y").number;
+      hole.top = Require(h.top, Member::Kind::Number, h.line, "top").number;
+      if (h.strata.kind == Member::Kind::Absent) {
+        throw ParseError(Ref(h.line, "strata"), "missing");
+      }
+      if (h.strata.kind != Member::Kind::Array) {
+        throw ParseError(Ref(h.strata.line, "strata"),
+                         std::string("expected an array of strata, found ") +
+                             TypeName(h.strata.kind));
+      }
+      if (h.strataError) {
+        throw *h.strataError;
+      }
+      hole.strata = std::move(m_hole.strataRead);
+      for (const auto* list : {&h.warnings, &h.strataWarnings}) {
+        for (const auto& [where, message] : *list) {
+          m_holeWarnings.push_back(MakeWarning(where, message, hole.name));
+        }
+      }
+      m_holes.push_back(std::move(hole));
+    } catch (const ParseError& error) {
+      m_error = error;
+    }
   }
 
   std::string m_file;
   const LineIndex& m_lines;
   const std::size_t& m_consumed;
-  Json m_root;
   std::vector<Frame> m_frames;
-  std::string m_key;
-  std::unordered_map<std::string, std::size_t> m_linesByPath;
-};
-
-const char* TypeName(const Json& value) {
-  if (value.is_number()) {
-    return "a number";
-  }
-  if (value.is_string()) {
-    return "a string";
-  }
-  if (value.is_boolean()) {
-    return "true or false";
-  }
-  if (value.is_null()) {
-    return "null";
-  }
-  if (value.is_array()) {
-    return "an array";
-  }
-  return "an object";
-}
-
-// Reads the boreholes out of the document, naming the line of each member in errors.
-class BoreholeSchema {
-public:
-  BoreholeSchema(std::string file, std::unordered_map<std::string, std::size_t> lines,
-                 BoreholeSet& set)
-      : m_file(std::move(file)), m_lines(std::move(lines)), m_set(set) {}
-
-  void Read(const Json& root) {
-    if (!root.is_object()) {
-      throw ParseError(Ref("", {}), "expected an object {\"boreholes\": [...]}, found " +
-                                        std::string(TypeName(root)));
-    }
-    WarnUnknown(root, "", {"boreholes"}, {});
-    const Json& holes = Member(root, "", "boreholes");
-    if (!holes.is_array()) {
-      throw ParseError(Ref("/boreholes", "boreholes"),
-                       "expected an array of boreholes, found " + std::string(TypeName(holes)));
-    }
-    for (std::size_t i = 0; i < holes.size(); ++i) {
-      ReadHole(holes[i], ChildPath("/boreholes", std::to_string(i)));
-    }
-  }
-
-private:
-  std::size_t Line(const std::string& path) const {
-    const auto it = m_lines.find(path);
-    return it == m_lines.end() ? 0 : it->second;
-  }
-  SourceRef Ref(const std::string& path, std::string field) const {
-    return {m_file, Line(path), std::move(field)};
-  }
-
-  const Json& Member(const Json& object, const std::string& path, const std::string& key) const {
-    const auto it = object.find(key);
-    if (it == object.end()) {
-      throw ParseError(Ref(path, key), "missing");
-    }
-    return *it;
-  }
-
-  double Number(const Json& object, const std::string& path, const std::string& key) const {
-    const Json& value = Member(object, path, key);
-    if (!value.is_number()) {
-      throw ParseError(Ref(ChildPath(path, key), key),
-                       std::string("expected a number, found ") + TypeName(value));
-    }
-    return value.get<double>();
-  }
-
-  std::string Text(const Json& object, const std::string& path, const std::string& key) const {
-    const Json& value = Member(object, path, key);
-    if (!value.is_string()) {
-      throw ParseError(Ref(ChildPath(path, key), key),
-                       std::string("expected a string, found ") + TypeName(value));
-    }
-    return value.get<std::string>();
-  }
-
-  void WarnUnknown(const Json& object, const std::string& path,
-                   std::initializer_list<const char*> known, const std::string& hole) {
-    for (const auto& [key, value] : object.items()) {
-      // An init-capture, not [&]: clang before 16 cannot capture a structured binding.
-      const auto isKnown = [&name = key](const char* k) { return name == k; };
-      if (std::find_if(known.begin(), known.end(), isKnown) == known.end()) {
-        m_set.diagnostics.push_back(
-            MakeWarning(Ref(ChildPath(path, key), key), "unknown member, ignored", hole));
-      }
-    }
-  }
-
-  void ReadHole(const Json& object, const std::string& path) {
-    if (!object.is_object()) {
-      throw ParseError(Ref(path, "boreholes"),
-                       "expected a borehole object, found " + std::string(TypeName(object)));
-    }
-    HoleRecord hole;
-    hole.name = Text(object, path, "name");
-    if (hole.name.empty()) {
-      throw ParseError(Ref(ChildPath(path, "name"), "name"), "empty: a borehole needs a name");
-    }
-    hole.where = Ref(path, "name");
-    hole.x = Number(object, path, "x");
-    hole.y = Number(object, path, "y");
-    hole.top = Number(object, path, "top");
-    WarnUnknown(object, path, {"name", "x", "y", "top", "strata"}, hole.name);
-    const Json& strata = Member(object, path, "strata");
-    const auto strataPath = ChildPath(path, "strata");
-    if (!strata.is_array()) {
-      throw ParseError(Ref(strataPath, "strata"),
-                       "expected an array of strata, found " + std::string(TypeName(strata)));
-    }
-    for (std::size_t i = 0; i < strata.size(); ++i) {
-      hole.strata.push_back(
-          ReadStratum(strata[i], ChildPath(strataPath, std::to_string(i)), hole.name));
-    }
-    m_set.holes.push_back(std::move(hole));
-  }
-
-  StratumRecord ReadStratum(const Json& object, const std::string& path, const std::string& hole) {
-    if (!object.is_object()) {
-      throw ParseError(Ref(path, "strata"),
-                       "expected a stratum object, found " + std::string(TypeName(object)));
-    }
-    StratumRecord stratum;
-    stratum.where = Ref(path, "code");
-    stratum.dc.strName = FromUtf8(Text(object, path, "code"), Ref(ChildPath(path, "code"), "code"));
-    stratum.dc.dTopGC = Number(object, path, "top");
-    stratum.dc.dBotGC = Number(object, path, "bottom");
-    if (object.contains("aux")) {
-      stratum.dc.dAux = Number(object, path, "aux");
-    }
-    if (const auto flag = object.find("flag"); flag != object.end()) {
-      if (!flag->is_boolean()) {
-        throw ParseError(Ref(ChildPath(path, "flag"), "flag"),
-                         std::string("expected true or false, found ") + TypeName(*flag));
-      }
-      stratum.dc.bAux = flag->get<bool>();
-    }
-    if (stratum.dc.strName.empty()) {
-      m_set.diagnostics.push_back(
-          MakeWarning(stratum.where, "empty code: the stratum gets an empty code", hole));
-    }
-    WarnUnknown(object, path, {"code", "top", "bottom", "aux", "flag"}, hole);
-    return stratum;
-  }
-
-  std::string m_file;
-  std::unordered_map<std::string, std::size_t> m_lines;
-  BoreholeSet& m_set;
+  PendingHole m_hole;
+  PendingStratum m_stratum;
+  bool m_sawBoreholes = false;
+  std::vector<HoleRecord> m_holes;
+  std::vector<Diagnostic> m_rootWarnings; // reported before those of the holes
+  std::vector<Diagnostic> m_holeWarnings;
+  std::optional<ParseError> m_error;
 };
 
 } // namespace
@@ -357,15 +447,11 @@ BoreholeSet ReadJsonBoreholes(std::string_view raw, const std::string& file,
   RequireUtf8Text(text, file);
   const LineIndex lines(text);
   std::size_t consumed = 0;
-  LocatingBuilder builder(file, lines, consumed);
+  BoreholeHandler handler(file, lines, consumed);
   const CountingIterator first(text.data(), text.data(), &consumed);
   const CountingIterator last(text.data() + text.size(), text.data(), &consumed);
-  Json::sax_parse(first, last, &builder);
-
-  BoreholeSet set;
-  set.source = file;
-  BoreholeSchema(file, builder.TakeLines(), set).Read(builder.TakeDocument());
-  return set;
+  Json::sax_parse(first, last, &handler);
+  return handler.Take();
 }
 
 } // namespace xklink
