@@ -31,7 +31,11 @@ TEST(HelpAndUsageTest, UnknownCommandsOptionsAndValuesExitWithTwo) {
       {"lines", kOverview, "--format", "xml"},
       {"lines", kOverview, "--jobs", "many"},
       {"check", kOverview, "--depths", "sideways"},
-      {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "-2"}};
+      {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "-2"},
+      // Beyond what the drawing can hold, or no number: refused, not quietly drawn as another.
+      {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "1e20"},
+      {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "0.001"},
+      {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "nan"}};
   for (const auto& args : misuses) {
     const RunResult run = RunTool(args);
     SCOPED_TRACE(::testing::PrintToString(args));

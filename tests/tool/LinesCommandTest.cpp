@@ -31,23 +31,26 @@ TEST(LinesCommandTest, OverviewGivesThreeLinesAsJsonAndCsv) {
                                   "BH1,BH2,0,0,80,50,0,85,0,C,\n");
 }
 
-TEST(LinesCommandTest, CsvQuotesNamesWithCommasAndQuotes) {
+// Quoting as RFC 4180; a control character, such as the NUL a JSON "\u0000" makes, is escaped.
+TEST(LinesCommandTest, CsvQuotesNamesWithCommasAndQuotesAndEscapesControls) {
   TempDir dir;
   // Two strata common to both holes, so that the boundary between them names both.
   const std::string file = dir.Write("names.json", R"({"boreholes": [
   {"name": "BH \"1\", north", "x": 0, "y": 0, "top": 10,
    "strata": [{"code": "Made, ground", "top": 10, "bottom": 8},
-              {"code": "Clay", "top": 8, "bottom": 5}]},
+              {"code": "Cl\u0000ay", "top": 8, "bottom": 5}]},
   {"name": "BH2", "x": 20, "y": 0, "top": 10,
    "strata": [{"code": "Made, ground", "top": 10, "bottom": 7},
-              {"code": "Clay", "top": 7, "bottom": 4}]}
+              {"code": "Cl\u0000ay", "top": 7, "bottom": 4}]}
 ]})");
   const RunResult csv = RunTool({"lines", file, "--format", "csv"});
   ASSERT_EQ(csv.exitCode, 0) << csv.Describe();
-  EXPECT_EQ(csv.out, kCsvHeader +
-                         "\"BH \"\"1\"\", north\",BH2,0,0,8,20,0,7,0,\"Made, ground\",Clay\n"
-                         "\"BH \"\"1\"\", north\",BH2,0,0,5,20,0,4,0,Clay,\n");
-  EXPECT_EQ(json::parse(RunTool({"lines", file}).out)[0].at("from"), "BH \"1\", north");
+  EXPECT_EQ(csv.out, kCsvHeader + "\"BH \"\"1\"\", north\",BH2,0,0,8,20,0,7,0,\"Made, "
+                                  "ground\",\"Cl\\u0000ay\"\n"
+                                  "\"BH \"\"1\"\", north\",BH2,0,0,5,20,0,4,0,\"Cl\\u0000ay\",\n");
+  const json lines = json::parse(RunTool({"lines", file}).out);
+  EXPECT_EQ(lines[0].at("from"), "BH \"1\", north");
+  EXPECT_EQ(lines[0].at("lines")[0].at("down"), std::string("Cl\0ay", 5));
 }
 
 // The positions on WGS 84 are checked in tests/gis; here the lines and their properties.

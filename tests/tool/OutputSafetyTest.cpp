@@ -1,8 +1,11 @@
 // Output files are complete or not there: a failed or interrupted run leaves the previous file as
-// it was and no temporary file behind, and a file that cannot be written is named.
+// it was and no temporary file behind, and a file that cannot be written is named. An output never
+// replaces an input or a special file, and a failed write, standard output included, is an error.
 #include "ToolRunner.h"
 
+#include <array>
 #include <chrono>
+#include <future>
 #include <thread>
 
 namespace xktool {
@@ -34,21 +37,98 @@ TEST(OutputSafetyTest, FailedRunLeavesTheExistingFileIntact) {
   EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"bad.json", "out.json", "out.svg"}));
 }
 
-TEST(OutputSafetyTest, SuccessfulRunReplacesTheWholeFile) {
+TEST(OutputSafetyTest, SuccessfulRunReplacesTheWholeFileKeepingItsPermissions) {
   TempDir dir;
   // Longer than the new content: nothing of it may remain at the end.
   const std::string out = dir.Write("lines.json", std::string(20000, 'x'));
+  fs::permissions(out, static_cast<fs::perms>(0640));
+  // A name as long as a directory takes (255 bytes): the temporary file beside it must fit too.
+  const std::string longName = (dir / (std::string(250, 'n') + ".json")).string();
   const mode_t previous = ::umask(022);
   const RunResult run = RunTool({"lines", kOverview, "-o", out});
+  const RunResult created = RunTool({"lines", kOverview, "-o", longName});
   ::umask(previous);
   ASSERT_EQ(run.exitCode, 0) << run.Describe();
+  ASSERT_EQ(created.exitCode, 0) << created.Describe();
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(ReadFile(out), RunTool({"lines", kOverview}).out);
-  // An ordinary file for others to read, not the owner-only mode of a temporary file.
-  struct stat info {};
-  ASSERT_EQ(::stat(out.c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0644u);
-  EXPECT_EQ(dir.Entries(), std::vector<std::string>{"lines.json"});
+  EXPECT_EQ(ReadFile(longName), ReadFile(out));
+  // The file replaced keeps its mode; a new one is an ordinary file for others to read, not the
+  // owner-only mode of a temporary file.
+  EXPECT_EQ(fs::status(out).permissions(), static_cast<fs::perms>(0640));
+  EXPECT_EQ(fs::status(longName).permissions(), static_cast<fs::perms>(0644));
+  EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"lines.json", fs::path(longName).filename()}));
+}
+
+// Outputs where replacing a file would lose data, or where a write fails: the run stops with exit
+// status 2 and a message naming the output, and every input is as it was.
+TEST(OutputSafetyTest, OutputsThatWouldLoseDataAreRefused) {
+  TempDir dir;
+  const std::string input = dir.Write("holes.json", ReadFile(kOverview));
+  fs::create_symlink(input, dir / "link.json");
+  const std::string link = (dir / "link.json").string();
+  const std::string drawingNamed = dir.Write("holes.svg", ReadFile(kOverview));
+  const std::string intervals =
+      dir.Write("intervals.csv", "HOLEID,FROM,TO,CODE\nA,0,5,S\nA,5,9,C\nB,0,4,S\nB,4,8,C\n");
+  const std::string collars = dir.Write("collars.csv", "HOLEID,X,Y,Z\nA,0,0,10\nB,30,0,11\n");
+  const std::string tool = kTool;
+  const struct {
+    std::vector<std::string> argv;
+    std::string fragment;
+  } cases[] = {
+      {{tool, "lines", input, "-o", input}, "is the input file"},
+      {{tool, "regions", input, "-o", link}, "is the input file"},
+      {{tool, "lines", link, "-o", input}, "is the input file"},
+      {{tool, "lines", intervals, "--collars", collars, "-o", collars}, "is the input file"},
+      {{tool, "section", drawingNamed, "--input-format", "json", "-o", drawingNamed},
+       "is the input file"},
+      {{"sh", "-c", "exec \"$0\" lines \"$1\" >/dev/full", tool, input},
+       "standard output: cannot write: No space left on device"},
+      {{"sh", "-c", "exec \"$0\" lines \"$1\" >&-", tool, input}, "standard output: cannot write"},
+      {{"sh", "-c", "exec \"$0\" check \"$1\" >/dev/full", tool, input},
+       "standard output: cannot write"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::PrintToString(c.argv));
+    ExpectRefused(RunProgram(c.argv), {c.fragment});
+  }
+  EXPECT_EQ(ReadFile(input), ReadFile(kOverview));
+  EXPECT_EQ(ReadFile(drawingNamed), ReadFile(kOverview));
+  EXPECT_EQ(ReadFile(collars), "HOLEID,X,Y,Z\nA,0,0,10\nB,30,0,11\n");
+  EXPECT_TRUE(fs::is_symlink(link));
+}
+
+// Devices and FIFOs are written into, never replaced by a regular file; through a symbolic link the
+// file it points to is replaced and the link stays.
+TEST(OutputSafetyTest, SpecialFilesAreWrittenIntoAndLinksFollowed) {
+  TempDir dir;
+  TempDir elsewhere;
+  const std::string expected = RunTool({"lines", kOverview}).out;
+  ASSERT_EQ(::mkfifo((dir / "pipe").c_str(), 0600), 0);
+  fs::create_symlink(elsewhere / "target.json", dir / "dangling.json");
+  WriteFile(elsewhere / "old.json", "old lines\n");
+  fs::create_symlink(elsewhere / "old.json", dir / "existing.json");
+  // What the reader of the FIFO receives.
+  auto piped = std::async(std::launch::async, [&] { return ReadFile(dir / "pipe"); });
+  for (const std::string& out : std::vector<std::string>{"/dev/null", (dir / "pipe").string(),
+                                                         (dir / "dangling.json").string(),
+                                                         (dir / "existing.json").string()}) {
+    SCOPED_TRACE(out);
+    const RunResult run = RunTool({"lines", kOverview, "-o", out});
+    EXPECT_EQ(run.exitCode, 0) << run.Describe();
+  }
+  EXPECT_EQ(piped.get(), expected);
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  EXPECT_TRUE(fs::is_fifo(dir / "pipe"));
+  EXPECT_TRUE(fs::is_symlink(dir / "dangling.json"));
+  EXPECT_TRUE(fs::is_symlink(dir / "existing.json"));
+  EXPECT_EQ(ReadFile(elsewhere / "target.json"), expected);
+  EXPECT_EQ(ReadFile(elsewhere / "old.json"), expected);
+  EXPECT_EQ(elsewhere.Entries(), (std::vector<std::string>{"old.json", "target.json"}));
+  // A name for the standard output the tool was given writes to it.
+  const RunResult stream = RunTool({"lines", kOverview, "-o", "/dev/stdout"});
+  EXPECT_EQ(stream.exitCode, 0) << stream.Describe();
+  EXPECT_EQ(stream.out, expected);
 }
 
 TEST(OutputSafetyTest, MissingDirectoryOrADirectoryInTheWayIsNamed) {
@@ -134,7 +214,7 @@ TEST(OutputSafetyTest, InterruptedRunLeavesTheOldFileOrACompleteNewOne) {
     if (attempt >= 4 && std::chrono::steady_clock::now() - probing > std::chrono::seconds(4)) {
       break;
     }
-    const int signal = attempt % 2 == 0 ? SIGTERM : SIGINT;
+    const int signal = std::array{SIGTERM, SIGINT, SIGHUP}[static_cast<std::size_t>(attempt % 3)];
     // After eight halvings, a few probes just before the replacement, where the write is, as start-
     // up times vary by more than the write takes.
     const double at = attempt == 0  ? 0.0
@@ -164,6 +244,18 @@ TEST(OutputSafetyTest, InterruptedRunLeavesTheOldFileOrACompleteNewOne) {
     }
   }
   EXPECT_GT(interrupted, 0) << "no run was caught: the input is too small to interrupt";
+}
+
+// A file size limit reached while writing (SIGXFSZ) ends the run as an interruption does.
+TEST(OutputSafetyTest, FileSizeLimitLeavesTheOldFile) {
+  TempDir dir;
+  const std::string out = dir.Write("lines.json", "old lines\n");
+  // ulimit -f counts blocks of 512 bytes; the lines of the NLE holes take several kilobytes.
+  const RunResult run =
+      RunProgram({"sh", "-c", "ulimit -f 1 && exec \"$@\"", "sh", kTool, "lines", kNle, "-o", out});
+  EXPECT_EQ(run.signal, SIGXFSZ) << run.Describe();
+  EXPECT_EQ(ReadFile(out), "old lines\n");
+  EXPECT_EQ(dir.Entries(), std::vector<std::string>{"lines.json"});
 }
 
 } // namespace

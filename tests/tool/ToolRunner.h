@@ -104,8 +104,8 @@ struct RunResult {
 };
 
 // A child process (PATH searched) whose standard output and error go to files; standard input is
-// /dev/null. It starts with default actions for SIGINT and SIGTERM and nothing blocked, whatever
-// the test runner set: the interruption tests rely on those signals arriving.
+// /dev/null. It starts with default actions for the signals that end a run and nothing blocked,
+// whatever the test runner set: the interruption tests rely on those signals arriving.
 class Child {
 public:
   explicit Child(const std::vector<std::string>& argv) {
@@ -122,8 +122,9 @@ public:
     sigset_t defaults;
     sigemptyset(&none);
     sigemptyset(&defaults);
-    sigaddset(&defaults, SIGINT);
-    sigaddset(&defaults, SIGTERM);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGXFSZ, SIGPIPE}) {
+      sigaddset(&defaults, signal);
+    }
     posix_spawnattr_setsigmask(&attributes, &none);
     posix_spawnattr_setsigdefault(&attributes, &defaults);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
@@ -189,7 +190,8 @@ inline RunResult RunProgram(const std::vector<std::string>& argv) {
 // xklink with the given arguments.
 inline RunResult RunTool(std::vector<std::string> args) {
   std::vector<std::string> argv{kTool};
-  argv.insert(argv.end(), std::make_move_iterator(args.begin()), std::make_move_iterator(args.end()));
+  argv.insert(argv.end(), std::make_move_iterator(args.begin()),
+              std::make_move_iterator(args.end()));
   return RunProgram(argv);
 }
 

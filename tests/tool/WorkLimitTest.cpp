@@ -1,34 +1,38 @@
 // The work limit: a pair of neighbouring holes whose equal-code strata form more pairs than the
-// tool takes on is refused before any correlation starts, with a message naming both holes.
+// tool takes on is refused before any correlation starts, with a message naming both holes and
+// the file. Within the limit, a pair that runs out of memory beside others is tried again alone.
 #include "WorkLimit.h"
 
 #include "Errors.h"
+#include "PairCorrelation.h"
 
 #include <gtest/gtest.h>
+#include <mutex>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace xktool {
 namespace {
 
-// A hole of `count` thin layers of each code in turn.
-DataType::_sZK ThinLayers(const std::vector<std::wstring>& codes, int count) {
-  DataType::_sZK hole;
-  hole.dTopGC = 0.0;
+// A hole of `count` thin layers of each code in turn, read from line `line` of site.json.
+xklink::HoleRecord ThinLayers(const std::vector<std::wstring>& codes, int count,
+                              std::size_t line = 1) {
+  xklink::HoleRecord hole;
+  hole.name = "BH" + std::to_string(line);
+  hole.where = {"site.json", line, "name"};
   for (int k = 0; k < count; ++k) {
-    DataType::_sZKDC dc;
-    dc.strName = codes[static_cast<std::size_t>(k) % codes.size()];
-    dc.dTopGC = -0.1 * k;
-    dc.dBotGC = -0.1 * (k + 1);
-    hole.vecDC.push_back(dc);
+    xklink::StratumRecord stratum;
+    stratum.dc.strName = codes[static_cast<std::size_t>(k) % codes.size()];
+    hole.strata.push_back(stratum);
   }
   return hole;
 }
 
-std::string Refusal(const std::vector<std::string>& names,
-                    const std::vector<DataType::_sZK>& holes) {
+std::string Refusal(const std::vector<xklink::HoleRecord>& holes) {
   try {
-    xklink::RequireWorkWithinLimit(names, holes);
+    xklink::RequireWorkWithinLimit(holes);
   } catch (const xklink::InputError& error) {
     return error.what();
   }
@@ -41,7 +45,7 @@ TEST(WorkLimitTest, PairsAreCountedCodeByCode) {
   EXPECT_EQ(xklink::EqualCodePairs(a, b), 3u * 3u + 3u * 2u);
   EXPECT_EQ(xklink::EqualCodePairs(b, a), 15u);
   EXPECT_EQ(xklink::EqualCodePairs(a, ThinLayers({L"PEAT"}, 4)), 0u);
-  EXPECT_EQ(xklink::EqualCodePairs(a, DataType::_sZK{}), 0u);
+  EXPECT_EQ(xklink::EqualCodePairs(a, xklink::HoleRecord{}), 0u);
   // Codes are compared exactly: case and spaces make another code.
   EXPECT_EQ(xklink::EqualCodePairs(ThinLayers({L"Clay"}, 2), ThinLayers({L"CLAY", L"CLAY "}, 2)),
             0u);
@@ -53,17 +57,59 @@ TEST(WorkLimitTest, RefusesNeighboursBeyondTheLimitOnly) {
   const auto beyond = ThinLayers({L"CLAY"}, 4473);
   ASSERT_LE(xklink::EqualCodePairs(within, within), xklink::kMaxEqualCodePairs);
   ASSERT_GT(xklink::EqualCodePairs(beyond, beyond), xklink::kMaxEqualCodePairs);
-  EXPECT_EQ(Refusal({"BH1", "BH2"}, {within, within}), "");
+  EXPECT_EQ(Refusal({within, within}), "");
 
-  // The first pair passes; the second (4,472 by 4,473) is the first beyond.
-  const std::string message = Refusal({"BH1", "BH2", "BH3"}, {within, within, beyond});
-  EXPECT_NE(message.find("BH2 and BH3"), std::string::npos) << message;
+  // The first pair passes; the second (4,472 by 4,473) is the first beyond, named at the place of
+  // its second hole.
+  const std::string message =
+      Refusal({within, ThinLayers({L"CLAY"}, 4472, 2), ThinLayers({L"CLAY"}, 4473, 3)});
+  EXPECT_EQ(message.rfind("site.json:3: field name: BH2 and BH3: too large to correlate", 0), 0u)
+      << message;
   EXPECT_NE(message.find("20003256"), std::string::npos) << message;
   EXPECT_NE(message.find("--merge-repeats"), std::string::npos) << message;
 
   // Only neighbours are correlated: two long logs with a short hole between them pass.
-  EXPECT_EQ(Refusal({"BH1", "BH2", "BH3"}, {beyond, ThinLayers({L"CLAY"}, 3), beyond}), "");
-  EXPECT_EQ(Refusal({"BH1"}, {beyond}), "");
+  EXPECT_EQ(Refusal({beyond, ThinLayers({L"CLAY"}, 3), beyond}), "");
+  EXPECT_EQ(Refusal({beyond}), "");
+}
+
+TEST(WorkLimitTest, PairsOutOfMemoryBesideOthersAreTriedAgainAlone) {
+  struct Case {
+    unsigned jobs;
+    bool failsAlone; // every attempt runs out of memory, not only the first
+    const char* thrown;
+  };
+  for (const Case c : {Case{4, false, ""}, Case{2, false, ""}, Case{1, false, "bad_alloc"},
+                       Case{4, true, "bad_alloc"}}) {
+    SCOPED_TRACE(c.jobs);
+    std::mutex mutex;
+    std::vector<int> attempts(12, 0);
+    std::vector<int> completed(12, 0);
+    std::string thrown;
+    try {
+      xklink::ForEachPair(12, c.jobs, [&](XKLinkDc::CorrelationContext&, std::size_t i) {
+        const std::lock_guard lock(mutex);
+        if (i % 3 == 0 && (++attempts[i] == 1 || c.failsAlone)) {
+          throw std::bad_alloc();
+        }
+        ++completed[i];
+      });
+    } catch (const std::bad_alloc&) {
+      thrown = "bad_alloc";
+    }
+    EXPECT_EQ(thrown, c.thrown);
+    if (thrown.empty()) {
+      EXPECT_EQ(completed, std::vector<int>(12, 1)); // every pair once, none lost or twice
+    }
+  }
+  // Any other failure ends the run as it is.
+  EXPECT_THROW(xklink::ForEachPair(5, 2,
+                                   [](XKLinkDc::CorrelationContext&, std::size_t i) {
+                                     if (i == 3) {
+                                       throw std::length_error("fault");
+                                     }
+                                   }),
+               std::length_error);
 }
 
 } // namespace

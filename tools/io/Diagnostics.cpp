@@ -109,8 +109,10 @@ void CappedReport::Finish() {
   m_order.clear();
 }
 
+// An error of usage has no place in a file: its message stands alone.
 ParseError::ParseError(SourceRef where, const std::string& message)
-    : std::runtime_error(Location(where) + ": " + FieldPrefix(where) + message),
+    : std::runtime_error((where.file.empty() && where.line == 0 ? "" : Location(where) + ": ") +
+                         FieldPrefix(where) + message),
       m_where(std::move(where)), m_message(message) {}
 
 } // namespace xklink

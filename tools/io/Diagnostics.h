@@ -83,7 +83,9 @@ private:
 };
 
 // Input that cannot be read at all: bad syntax, a missing column, a value that is not a number.
-// what() is "holes.csv:12: field TOP: not a number: 'abc'".
+// what() is "holes.csv:12: field TOP: not a number: 'abc'". The root of the tools' errors: a
+// refusal of bad usage or a failed write is one too (tools/xklink/Errors.h), its message alone when
+// no file is to blame ("--holes: ..."), so that every refusal maps to one exit status.
 class ParseError : public std::runtime_error {
 public:
   ParseError(SourceRef where, const std::string& message);

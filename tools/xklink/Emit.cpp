@@ -2,13 +2,11 @@
 
 #include "OutputFile.h"
 
-#include <iostream>
-
 namespace xklink {
 
 void Emit(const std::string& content, const std::string& outputPath) {
   if (outputPath.empty() || outputPath == "-") {
-    std::cout << content << std::flush;
+    WriteStandardOutput(content);
   } else {
     WriteFileAtomically(outputPath, content);
   }

@@ -1,29 +1,36 @@
-// The tool's errors. Every one of them ends the run with exit status 2 and a message on standard
-// error; none leaves a partial output file behind.
+// The tool's errors. All are ParseErrors, so that each carries the file, line and field to blame
+// (the file alone, or nothing, when no line or field is), and main maps the whole family to exit
+// status 2 with the message on standard error. None leaves a partial output file behind.
 #pragma once
 
-#include <stdexcept>
+#include "Diagnostics.h"
+
+#include <exception>
+#include <filesystem>
 #include <string>
 
 namespace xklink {
 
-// Bad usage: an unknown hole name, fewer than two holes, conflicting options.
-class UsageError : public std::runtime_error {
+// Bad usage: an unknown hole name, fewer than two holes, conflicting options, an output that is
+// one of the inputs.
+class UsageError : public ParseError {
 public:
-  using std::runtime_error::runtime_error;
+  explicit UsageError(const std::string& message) : ParseError({}, message) {}
 };
 
-// The input was read but cannot be used: its message lists every error, one per line, each with
-// file, line and field.
-class InputError : public std::runtime_error {
+// The input was read but cannot be used. Either one problem with its place, or the list of every
+// error, one per line, each with its own file, line and field.
+class InputError : public ParseError {
 public:
-  using std::runtime_error::runtime_error;
+  explicit InputError(const std::string& message) : ParseError({}, message) {}
+  InputError(SourceRef where, const std::string& message) : ParseError(std::move(where), message) {}
 };
 
-// An output file could not be written.
-class OutputError : public std::runtime_error {
+// An output could not be written: the file (or "standard output") and why.
+class OutputError : public ParseError {
 public:
-  using std::runtime_error::runtime_error;
+  OutputError(const std::filesystem::path& file, const std::string& message)
+      : ParseError({file.string(), 0, {}}, message) {}
 };
 
 // `check` found problems and has listed them: exit status 2 without a further message.

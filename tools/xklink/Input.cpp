@@ -86,6 +86,7 @@ SectionHoles LoadSection(const InputOptions& options, const std::string& holeLis
     throw InputError(errors);
   }
 
+  RequireWorkWithinLimit(chosen.holes);
   SectionHoles section;
   section.depthBelowGround = chosen.depthBelowGround;
   section.codeDescriptions = all.codeDescriptions;
@@ -93,7 +94,6 @@ SectionHoles LoadSection(const InputOptions& options, const std::string& holeLis
     section.names.push_back(hole.name);
     section.holes.push_back(hole.ToZK());
   }
-  RequireWorkWithinLimit(section.names, section.holes);
   return section;
 }
 

@@ -80,6 +80,11 @@ std::string JsonNumber(double value) {
   return std::string(buffer.data(), result.ptr);
 }
 
+std::string UnicodeEscape(unsigned char c) {
+  static constexpr char kHex[] = "0123456789abcdef";
+  return std::string("\\u00") + kHex[c >> 4] + kHex[c & 0xF];
+}
+
 std::string JsonString(const std::string& utf8) {
   std::string out = "\"";
   for (const char c : utf8) {
@@ -102,10 +107,7 @@ std::string JsonString(const std::string& utf8) {
       break;
     default:
       if (u < 0x20) {
-        static constexpr char kHex[] = "0123456789abcdef";
-        out += "\\u00";
-        out += kHex[u >> 4];
-        out += kHex[u & 0xF];
+        out += UnicodeEscape(u);
       } else {
         out += c;
       }
@@ -127,8 +129,7 @@ std::string LinesToJson(const std::vector<PairLines>& pairs) {
   for (std::size_t p = 0; p < pairs.size(); ++p) {
     const PairLines& pair = pairs[p];
     out += p > 0 ? ",\n" : "\n";
-    out += "{\"from\":" + JsonString(pair.from) + ",\"to\":" + JsonString(pair.to) +
-           ",\"lines\":[";
+    out += "{\"from\":" + JsonString(pair.from) + ",\"to\":" + JsonString(pair.to) + ",\"lines\":[";
     for (std::size_t i = 0; i < pair.lines.size(); ++i) {
       const DataType::_sLinkLine& line = pair.lines[i];
       out += i > 0 ? ",\n  " : "\n  ";

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <string>
 #include <vector>
 
@@ -14,6 +13,8 @@ namespace xklink {
 std::string JsonNumber(double value);
 // A JSON string literal of UTF-8 text, escaped.
 std::string JsonString(const std::string& utf8);
+// "\u001f": the JSON escape of a control character, which the CSV output uses as well.
+std::string UnicodeEscape(unsigned char c);
 
 // {"type":..,"named":..,"name":..,"begin1":..,...,"top":[[x,y,z],[x,y,z]],"bottom":[..],"children":[..]}
 std::string RegionToJson(const DataType::_sLinkRegion& region);

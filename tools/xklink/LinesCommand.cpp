@@ -46,6 +46,7 @@ void AddLinesCommand(CLI::App& app) {
                   "  xklink lines site.ags --format geojson -o lines.geojson\n"
                   "  xklink lines site.csv --crs EPSG:27700 -o lines.gpkg");
   command->callback([options] {
+    RequireOutputIsNotAnInput(options->output, {options->input.file, options->input.collars});
     const bool geoPackage = IsGeoPackagePath(options->output);
     const int grid =
         geoPackage || options->format == "geojson" ? ResolveGrid(options->input, options->crs) : 0;

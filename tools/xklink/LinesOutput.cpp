@@ -2,12 +2,22 @@
 
 #include "Text.h"
 
+#include <algorithm>
+
 namespace xklink {
 
 namespace {
 
+// RFC 4180 quoting. A control character other than a line end or a tab (a NUL from a JSON "\u0000"
+// in a code) is written as the JSON escape \u00XX inside quotes: spreadsheets and CSV readers stop
+// at a raw NUL or take the rest of the file as binary.
 std::string CsvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) {
+  const auto isControl = [](char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return (u < 0x20 && c != '\t' && c != '\n' && c != '\r') || u == 0x7F;
+  };
+  if (text.find_first_of(",\"\r\n") == std::string::npos &&
+      std::none_of(text.begin(), text.end(), isControl)) {
     return text;
   }
   std::string quoted = "\"";
@@ -15,7 +25,7 @@ std::string CsvField(const std::string& text) {
     if (c == '"') {
       quoted += '"';
     }
-    quoted += c;
+    quoted += isControl(c) ? UnicodeEscape(static_cast<unsigned char>(c)) : std::string(1, c);
   }
   quoted += '"';
   return quoted;
@@ -41,7 +51,8 @@ std::string LinesToCsv(const std::vector<PairLines>& pairs) {
   for (const PairLines& pair : pairs) {
     for (const DataType::_sLinkLine& line : pair.lines) {
       out += CsvField(pair.from) + ',' + CsvField(pair.to) + ',';
-      for (const double v : {line.pt1.x, line.pt1.y, line.pt1.z, line.pt2.x, line.pt2.y, line.pt2.z}) {
+      for (const double v :
+           {line.pt1.x, line.pt1.y, line.pt1.z, line.pt2.x, line.pt2.y, line.pt2.z}) {
         out += CsvNumber(v) + ',';
       }
       out += std::to_string(line.nType) + ',' + CsvField(ToUtf8(line.strUpName)) + ',' +

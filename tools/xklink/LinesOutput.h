@@ -8,7 +8,8 @@
 
 namespace xklink {
 
-// One row per line: from,to,x1,y1,z1,x2,y2,z2,type,up,down (RFC 4180 quoting, LF line ends).
+// One row per line: from,to,x1,y1,z1,x2,y2,z2,type,up,down (RFC 4180 quoting, LF line ends; a
+// control character in a name or code, other than a tab or line end, as \u00XX in quotes).
 std::string LinesToCsv(const std::vector<PairLines>& pairs);
 
 // A FeatureCollection of 3-D LineStrings with the properties from, to, type, up and down, for GIS.

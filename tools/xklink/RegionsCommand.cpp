@@ -2,7 +2,9 @@
 #include "Commands.h"
 #include "CommonOptions.h"
 #include "Emit.h"
+#include "Errors.h"
 #include "JsonOutput.h"
+#include "OutputFile.h"
 
 #include <iostream>
 #include <memory>
@@ -26,10 +28,11 @@ void AddRegionsCommand(CLI::App& app) {
                   "  xklink regions examples/overview.json\n"
                   "  xklink regions site.ags --holes BH01,BH02 -o tree.json");
   command->callback([options] {
+    RequireOutputIsNotAnInput(options->output, {options->input.file, options->input.collars});
     const SectionHoles section =
         LoadSection(options->input, options->holes, DefaultHoles::FirstTwo, std::cerr);
     if (section.holes.size() != 2) {
-      throw CLI::ValidationError("--holes", "regions correlates exactly two holes");
+      throw UsageError("--holes: regions correlates exactly two holes");
     }
     DataType::_sLinkRegion root;
     XKLinkDc::CorrelationContext context;

@@ -46,9 +46,22 @@ void AddSectionCommand(CLI::App& app) {
   command->add_option("--holes", options->holes,
                       "Holes of the section in order, as A,B,C (default: every hole, ordered "
                       "along the section's principal direction)");
-  command->add_option("--exaggeration", options->exaggeration,
-                      "Vertical exaggeration (default: chosen so the section is legible)")
-      ->check(CLI::NonNegativeNumber);
+  // The bounds the drawing holds to: beyond them a section is squashed into a line or its
+  // coordinates overflow. A value outside is refused rather than quietly drawn as another.
+  command
+      ->add_option("--exaggeration", options->exaggeration,
+                   "Vertical exaggeration, 0.01 to 1000 (default 0: chosen so the section is "
+                   "legible)")
+      ->check(CLI::Validator(
+          [](std::string& text) {
+            double value = 0.0;
+            if (CLI::detail::lexical_cast(text, value) &&
+                (value == 0.0 || (value >= 0.01 && value <= 1000.0))) {
+              return std::string();
+            }
+            return "must be from 0.01 to 1000, or 0 to have it chosen; not " + text;
+          },
+          "0.01..1000"));
   command->add_option("--legend", options->legend,
                       "CSV of code,colour,label lines giving the colours and descriptions");
   command->add_option("--title", options->title, "Title of the sheet");
@@ -59,6 +72,8 @@ void AddSectionCommand(CLI::App& app) {
                   "  xklink section site.ags --holes BH01,BH02,BH03 --exaggeration 10 "
                   "--legend legend.csv -o a-a.dxf");
   command->callback([options] {
+    RequireOutputIsNotAnInput(options->output,
+                              {options->input.file, options->input.collars, options->legend});
     const std::string extension = LowerExtension(options->output);
     if (extension != ".svg" && extension != ".dxf") {
       throw UsageError("--output: the drawing must be named .svg or .dxf, not '" +

@@ -7,9 +7,9 @@
 // waiting without end, the tool refuses a pair of holes beyond the limit before it starts.
 #pragma once
 
-#include <XKLinkDc/XKLinkDc.h>
+#include "BoreholeSet.h"
+
 #include <cstdint>
-#include <string>
 #include <vector>
 
 namespace xklink {
@@ -18,10 +18,10 @@ namespace xklink {
 // working memory each at the peak.
 constexpr uint64_t kMaxEqualCodePairs = 20'000'000; // about 120 MB and 3 s
 
-uint64_t EqualCodePairs(const DataType::_sZK& a, const DataType::_sZK& b);
+uint64_t EqualCodePairs(const HoleRecord& a, const HoleRecord& b);
 
-// Throws InputError naming the first consecutive pair of holes beyond the limit.
-void RequireWorkWithinLimit(const std::vector<std::string>& names,
-                            const std::vector<DataType::_sZK>& holes);
+// Throws InputError at the place of the second hole of the first consecutive pair beyond the
+// limit (its file and line), naming both holes.
+void RequireWorkWithinLimit(const std::vector<HoleRecord>& holes);
 
 } // namespace xklink
