@@ -29,6 +29,7 @@ public:
 // An output could not be written: the file (or "standard output") and why.
 class OutputError : public ParseError {
 public:
+  explicit OutputError(const std::string& message) : ParseError({}, message) {}
   OutputError(const std::filesystem::path& file, const std::string& message)
       : ParseError({file.string(), 0, {}}, message) {}
 };
