@@ -96,6 +96,25 @@ void LongLog_Library(benchmark::State& state) {
 }
 void LongLog_Plain(benchmark::State& state) { RunLongLog(state, reference::ReferenceLinkDcLine); }
 
+// The same logs lifted by 1e7 (a survey datum far from sea level): merging their lines must cost
+// about what it costs at ordinary elevations, not grow with the square of their number.
+void LongLogRaised_Library(benchmark::State& state) {
+  bench::HolePair pair = bench::LongLogPair(static_cast<int>(state.range(0)));
+  for (DataType::_sZK* zk : {&pair.first, &pair.second}) {
+    zk->dTopGC += 1e7;
+    for (DataType::_sZKDC& dc : zk->vecDC) {
+      dc.dTopGC += 1e7;
+      dc.dBotGC += 1e7;
+    }
+  }
+  std::vector<DataType::_sLinkLine> lines;
+  for (auto _ : state) {
+    lines.clear();
+    LinkDcLine(pair.first, pair.second, lines);
+    benchmark::DoNotOptimize(lines.data());
+  }
+}
+
 } // namespace
 
 BENCHMARK(LongLog_Library)
@@ -107,4 +126,5 @@ BENCHMARK(LongLog_Library)
     ->Arg(10000)
     ->Unit(benchmark::kMillisecond)
     ->Complexity(benchmark::oNLogN);
+BENCHMARK(LongLogRaised_Library)->Arg(4000)->Unit(benchmark::kMillisecond);
 BENCHMARK(LongLog_Plain)->Arg(250)->Arg(500)->Unit(benchmark::kMillisecond)->Iterations(1);

@@ -20,6 +20,17 @@ std::size_t Index(int32_t i) { return static_cast<std::size_t>(i); }
 // Index of the last stratum of a half-open range, with negative values counting as -1.
 int32_t LastIndex(int32_t nEnd) { return nEnd - 1 < 0 ? -1 : nEnd - 1; }
 
+// Whether every stratum a region names lies in the boreholes. Regions the walk makes always do; a
+// root passed in may still hold children of an earlier call with other boreholes, and those are left
+// as they are rather than read outside the strata.
+bool FitsBoreholes(const CorrelationState& state, const _sLinkRegion& region) {
+  const auto fits = [](int32_t nBegin, int32_t nEnd, const _sZK& zk) {
+    return !(nBegin < nEnd) || nEnd <= static_cast<int64_t>(zk.vecDC.size());
+  };
+  return fits(region.nBegin1, region.nEnd1, state.Zk1()) &&
+         fits(region.nBegin2, region.nEnd2, state.Zk2());
+}
+
 // Closes a region that is not split: a named envelope into lenses, anything else into wedges.
 void CloseRegion(const CorrelationState& state, const _sLinkRegion& region, RegionList& out) {
   if (region.bNamed) {
@@ -78,7 +89,8 @@ void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRe
   while (!stack.empty()) {
     const PendingRegion next = stack.back();
     stack.pop_back();
-    if (!ProcessRegion(state, *next.region, next.bSubRegion)) {
+    if (!FitsBoreholes(state, *next.region) ||
+        !ProcessRegion(state, *next.region, next.bSubRegion)) {
       // Nothing to do here, and nothing below: regions the walk makes have no children yet, and
       // those a caller left in a root are not the walk's to visit.
       continue;

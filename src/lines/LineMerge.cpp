@@ -7,6 +7,7 @@
 
 #include "records/CompareDouble.h"
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <utility>
@@ -21,18 +22,20 @@ bool HasNaN(const _sLinkLine& line) {
          std::isnan(line.pt2.x) || std::isnan(line.pt2.y) || std::isnan(line.pt2.z);
 }
 
-// Lines are found again by the elevation of their end on borehole 1, in cells 1e-4 high: two
-// elevations equal within the 1e-5 tolerance lie in the same or in neighbouring cells. Elevations
-// that are not finite or beyond a million units do not fit the cells; such lines are compared with
-// every other line, as are the few lines that might equal them.
+// Lines are found again by the elevations of their two ends, each in cells 1e-4 high: two
+// elevations equal within the 1e-5 tolerance lie in the same or in neighbouring cells. From 1e12 on,
+// neighbouring doubles lie more than 1e-4 apart, so only identical elevations are equal there, and
+// such an elevation (an infinite one too) is its own cell, named by its bits. Every line that can
+// equal another thus shares a cell with it, whatever the magnitude.
 constexpr double kCellsPerUnit = 1e4;
-constexpr double kGridLimit = 1e6;
+constexpr double kCellLimit = 1e12;
 
-bool OnGrid(const _sLinkLine& line) {
-  return std::fabs(line.pt1.z) < kGridLimit && std::fabs(line.pt2.z) < kGridLimit;
+int64_t CellOf(double z) {
+  if (std::fabs(z) < kCellLimit) {
+    return static_cast<int64_t>(std::floor(z * kCellsPerUnit));
+  }
+  return std::bit_cast<int64_t>(z);
 }
-
-int64_t CellOf(double z) { return static_cast<int64_t>(std::floor(z * kCellsPerUnit)); }
 
 // The walk from the last line to the first: each line looks for the nearest earlier line still in
 // the walk that is the same (nearest(i) answers its index, or -1), and of the two the region's
@@ -81,9 +84,11 @@ void WalkSameLines(LineList& lines, std::vector<uint8_t>& alive, int32_t* previo
 // full comparisons, since lines of one section differ mostly in elevation.
 bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a != b; }
 
-// The lines by the cell of their borehole-1 elevation, in a hash table of chains: each cell's
-// chain runs from its latest line to its earliest, so that the nearest earlier equal of a line is
-// the first match in one of three chains.
+// The lines by the cells of their two elevations, in a hash table of chains, each chain from its
+// latest line to its earliest, so that the nearest earlier equal of a line is the first match in
+// one of nine chains. The walk asks from the last line down, so a chain sheds the lines at or after
+// the one asking and those taken out of the walk as it is read: no line is passed over twice
+// without cause, and lines of one cell cost no more than their number.
 class LineCells {
 public:
   explicit LineCells(const LineList& lines) : m_lines(lines) {
@@ -94,79 +99,69 @@ public:
       --m_shift;
     }
     m_head.assign(size, -1);
-    m_next.resize(lines.size());
-    m_cellOf.resize(lines.size());
-    m_z2.resize(lines.size());
+    m_next.assign(lines.size(), -1);
+    m_cell1.resize(lines.size());
+    m_cell2.resize(lines.size());
     for (std::size_t i = 0; i < lines.size(); ++i) {
       const _sLinkLine& line = lines[i];
-      m_z2[i] = line.pt2.z;
       if (HasNaN(line)) {
         continue; // a NaN coordinate equals nothing, not even itself
       }
-      if (!OnGrid(line)) {
-        m_offGrid.push_back(i);
-        continue;
-      }
-      m_cellOf[i] = CellOf(line.pt1.z);
-      const std::size_t slot = Slot(m_cellOf[i]);
+      m_cell1[i] = CellOf(line.pt1.z);
+      m_cell2[i] = CellOf(line.pt2.z);
+      const std::size_t slot = Slot(m_cell1[i], m_cell2[i]);
       m_next[i] = m_head[slot];
       m_head[slot] = static_cast<int32_t>(i);
     }
   }
 
-  // The nearest line before i that is still in the walk and the same as line i, or -1.
-  int32_t NearestSameBefore(std::size_t i, const std::vector<uint8_t>& alive) const {
+  // The nearest line before i that is still in the walk and the same as line i, or -1. Lines at
+  // i and after are not asked for again.
+  int32_t NearestSameBefore(std::size_t i, const std::vector<uint8_t>& alive) {
     const _sLinkLine& line = m_lines[i];
     if (HasNaN(line)) {
       return -1;
     }
-    const auto matches = [&](std::size_t candidate) {
-      return alive[candidate] != 0 && !ClearlyApart(m_z2[candidate], m_z2[i]) &&
-             m_lines[candidate].IsSame(line);
-    };
-    if (!OnGrid(line)) {
-      for (std::size_t c = i; c-- > 0;) {
-        if (matches(c)) {
-          return static_cast<int32_t>(c);
-        }
-      }
-      return -1;
-    }
-    std::ptrdiff_t best = -1;
-    for (const std::size_t c : m_offGrid) {
-      if (c < i && static_cast<std::ptrdiff_t>(c) > best && matches(c)) {
-        best = static_cast<std::ptrdiff_t>(c);
-      }
-    }
-    const int64_t cell = CellOf(line.pt1.z);
-    for (int64_t near = cell - 1; near <= cell + 1; ++near) {
-      const std::size_t slot = Slot(near);
-      for (int32_t c = m_head[slot]; c > best; c = m_next[static_cast<std::size_t>(c)]) {
-        const auto candidate = static_cast<std::size_t>(c);
-        // Cells that share a slot share its chain.
-        if (candidate < i && m_cellOf[candidate] == near && matches(candidate)) {
-          best = c;
-          break;
+    int32_t best = -1;
+    const int64_t c1 = m_cell1[i];
+    const int64_t c2 = m_cell2[i];
+    for (int64_t n1 = c1 - 1; n1 <= c1 + 1; ++n1) {
+      for (int64_t n2 = c2 - 1; n2 <= c2 + 1; ++n2) {
+        int32_t* link = &m_head[Slot(n1, n2)];
+        while (*link > best) {
+          const auto candidate = static_cast<std::size_t>(*link);
+          if (candidate >= i || alive[candidate] == 0) {
+            *link = m_next[candidate]; // never asked for again
+            continue;
+          }
+          // Cells that share a slot share its chain.
+          if (m_cell1[candidate] == n1 && m_cell2[candidate] == n2 &&
+              m_lines[candidate].IsSame(line)) {
+            best = *link;
+            break;
+          }
+          link = &m_next[candidate];
         }
       }
     }
-    return static_cast<int32_t>(best);
+    return best;
   }
 
 private:
-  // Fibonacci hashing: the top bits of the product, as many as the table has slots.
-  std::size_t Slot(int64_t cell) const {
-    const auto hash = static_cast<uint64_t>(cell) * 0x9E3779B97F4A7C15ull;
-    return static_cast<std::size_t>(hash >> m_shift);
+  // Fibonacci hashing of the two cells: the top bits of the product, as many as the table has
+  // slots.
+  std::size_t Slot(int64_t cell1, int64_t cell2) const {
+    const uint64_t mixed = static_cast<uint64_t>(cell1) * 0x9E3779B97F4A7C15ull ^
+                           static_cast<uint64_t>(cell2);
+    return static_cast<std::size_t>((mixed * 0xC2B2AE3D27D4EB4Full) >> m_shift);
   }
 
   const LineList& m_lines;
   unsigned m_shift = 60; // 64 less the bits of the table size
-  std::vector<int64_t> m_cellOf; // per line within the cells: the cell of its borehole-1 end
+  std::vector<int64_t> m_cell1; // per line: the cells of its two ends
+  std::vector<int64_t> m_cell2;
   std::vector<int32_t> m_head;
   std::vector<int32_t> m_next;
-  std::vector<double> m_z2;
-  std::vector<std::size_t> m_offGrid;
 };
 
 // Up to this many lines (those of a typical pair) scanning beats hashing their cells.
@@ -200,7 +195,7 @@ void MarkSameLinesByScan(LineList& lines, std::vector<uint8_t>& alive) {
 }
 
 void MarkSameLinesByCells(LineList& lines, std::vector<uint8_t>& alive) {
-  const LineCells cells(lines);
+  LineCells cells(lines);
   std::vector<int32_t> previous(lines.size());
   std::vector<int32_t> next(lines.size());
   WalkSameLines(lines, alive, previous.data(), next.data(), [&](int32_t i) {

@@ -418,13 +418,13 @@ TEST(Differential, SameBoreholeTwice) {
 TEST(Differential, MergeOfManyLinesNearTheTolerance) {
   const double offsets[] = {0.0, 3e-6, -3e-6, 6e-6, -6e-6, 9.5e-6, -9.5e-6, 1.1e-5, -1.1e-5};
   const double bases[] = {100.0, 100.0001, 100.0002, 57.123, 0.5, 2e-6, 0.0, -3.0};
-  const double offCells[] = {2e6, -5e7, std::numeric_limits<double>::infinity()};
+  const double offCells[] = {2e6, -5e7, 3e12 + 0.5, -1e15, std::numeric_limits<double>::infinity()};
   Tally tally;
   for (uint64_t seed = 7000000; seed < 7000060; ++seed) {
     std::mt19937_64 rng(seed);
     const auto elevation = [&] {
       if (xktest::Chance(rng, 0.05)) {
-        return offCells[xktest::UniformInt(rng, 0, 2)];
+        return offCells[xktest::UniformInt(rng, 0, 4)];
       }
       return bases[xktest::UniformInt(rng, 0, 7)] + offsets[xktest::UniformInt(rng, 0, 8)];
     };
