@@ -176,9 +176,11 @@ extern "C" XKLINKDC_API void LinkDc(const DataType::_sZK& zk1, const DataType::_
 XKLINKDC_API void LinkDcLine(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
                              std::vector<DataType::_sLinkLine>& lines);
 
-namespace XKLinkDc {
+namespace xkl {
+class Correlator; // the library's own
+}
 
-struct CorrelationState;
+namespace XKLinkDc {
 
 // A correlation with its own state, owned by the caller: two contexts may run at the same time on
 // different threads. Results are identical to LinkDc and LinkDcLine. A context reads the two
@@ -202,7 +204,7 @@ public:
                           DataType::_sLinkRegion& root, std::vector<DataType::_sLinkLine>& lines);
 
 private:
-  std::unique_ptr<CorrelationState> m_state;
+  std::unique_ptr<xkl::Correlator> m_correlator;
 };
 
 } // namespace XKLinkDc

@@ -1,7 +1,6 @@
 // Closing a region whose strata do not correlate: every run of each borehole becomes a pinch-out
 // wedge, full thickness on its own hole and thinned to nothing at the other hole.
 #include "correlation/Correlation.h"
-#include "correlation/Workspace.h"
 
 namespace xkl {
 
@@ -9,34 +8,34 @@ namespace {
 
 // A wedge of one borehole's run, thinning out at boundary `tip` of the other borehole. `own` is the
 // side the run belongs to (true: borehole 1).
-void FillWedge(const CorrelationState& state, const _sLinkRegion& region, const DcRun& run,
+void FillWedge(const Correlator& correlator, const _sLinkRegion& region, const StratumRun& run,
                int32_t tip, bool own, _sLinkRegion& wedge) {
-  const _sZK& ownZk = own ? state.Zk1() : state.Zk2();
-  const _sZK& otherZk = own ? state.Zk2() : state.Zk1();
+  const _sZK& ownZk = own ? correlator.Zk1() : correlator.Zk2();
+  const _sZK& otherZk = own ? correlator.Zk2() : correlator.Zk1();
   const int o = own ? 0 : 1; // corner slot on the run's borehole
   const int t = own ? 1 : 0; // corner slot on the other borehole
-  wedge.nType = 2;
-  wedge.bNamed = run.bMerged;
-  wedge.strName = *state.Codes().codes[static_cast<std::size_t>(run.nCode)];
-  (own ? wedge.nBegin1 : wedge.nBegin2) = run.nBegin;
-  (own ? wedge.nEnd1 : wedge.nEnd2) = run.nEnd;
+  wedge.nType = ToInt(RegionKind::Wedge);
+  wedge.bNamed = run.merged;
+  wedge.strName = *correlator.Codes().codes[static_cast<std::size_t>(run.code)];
+  (own ? wedge.nBegin1 : wedge.nBegin2) = run.begin;
+  (own ? wedge.nEnd1 : wedge.nEnd2) = run.end;
   (own ? wedge.nBegin2 : wedge.nBegin1) = tip;
   (own ? wedge.nEnd2 : wedge.nEnd1) = tip;
   const double tipZ = GetBoundaryGC(otherZk, tip);
-  wedge.ptTop[o] = CXk3DPoint(region.ptTop[o].x, region.ptTop[o].y, GetBoundaryGC(ownZk, run.nBegin));
-  wedge.ptBot[o] = CXk3DPoint(region.ptBot[o].x, region.ptBot[o].y, GetBoundaryGC(ownZk, run.nEnd));
+  wedge.ptTop[o] =
+      CXk3DPoint(region.ptTop[o].x, region.ptTop[o].y, GetBoundaryGC(ownZk, run.begin));
+  wedge.ptBot[o] = CXk3DPoint(region.ptBot[o].x, region.ptBot[o].y, GetBoundaryGC(ownZk, run.end));
   wedge.ptTop[t] = CXk3DPoint(region.ptTop[t].x, region.ptTop[t].y, tipZ);
   wedge.ptBot[t] = CXk3DPoint(region.ptBot[t].x, region.ptBot[t].y, tipZ);
 }
 
 } // namespace
 
-void CloseUnmatchedRegion(const CorrelationState& state, const _sLinkRegion& region,
-                          RegionList& out) {
-  std::vector<DcRun>& runs1 = state.Work().runs.side1;
-  std::vector<DcRun>& runs2 = state.Work().runs.side2;
-  BuildFusedRuns(state, region, true, runs1);
-  BuildFusedRuns(state, region, false, runs2);
+void CloseUnmatchedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out) {
+  std::vector<StratumRun>& runs1 = correlator.runs.side1;
+  std::vector<StratumRun>& runs2 = correlator.runs.side2;
+  BuildFusedRuns(correlator, region, true, runs1);
+  BuildFusedRuns(correlator, region, false, runs2);
   ReserveMore(out, runs1.size() + runs2.size());
   // Without a common stratum there is no evidence of which bed lies above which between the holes;
   // the ordinal order of the codes decides, so that a coding scheme numbered from the top down
@@ -46,14 +45,14 @@ void CloseUnmatchedRegion(const CorrelationState& state, const _sLinkRegion& reg
   while (i < runs1.size() || j < runs2.size()) {
     _sLinkRegion& wedge = out.emplace_back();
     const bool takeFirst =
-        j >= runs2.size() || (i < runs1.size() && runs1[i].nCode <= runs2[j].nCode);
+        j >= runs2.size() || (i < runs1.size() && runs1[i].code <= runs2[j].code);
     if (takeFirst) {
-      const int32_t tip = j < runs2.size() ? runs2[j].nBegin : region.nEnd2;
-      FillWedge(state, region, runs1[i], tip, true, wedge);
+      const int32_t tip = j < runs2.size() ? runs2[j].begin : region.nEnd2;
+      FillWedge(correlator, region, runs1[i], tip, true, wedge);
       ++i;
     } else {
-      const int32_t tip = i < runs1.size() ? runs1[i].nBegin : region.nEnd1;
-      FillWedge(state, region, runs2[j], tip, false, wedge);
+      const int32_t tip = i < runs1.size() ? runs1[i].begin : region.nEnd1;
+      FillWedge(correlator, region, runs2[j], tip, false, wedge);
       ++j;
     }
   }

@@ -5,12 +5,6 @@
 
 namespace xkl {
 
-CodeIndex CodeIndex::Build(const DataType::_sZK& zk1, const DataType::_sZK& zk2) {
-  CodeIndex index;
-  index.Rebuild(zk1, zk2);
-  return index;
-}
-
 namespace {
 
 // Equality of two codes. Short codes (a legend's letters and numbers) are compared inline, where a
@@ -127,7 +121,13 @@ void CodeIndex::RebuildBySorting(const DataType::_sZK& zk1, const DataType::_sZK
   }
 }
 
-uint32_t CodeIndex::NextMark() const {
+std::size_t CodeIndex::Bytes() const {
+  return codes.capacity() * sizeof(codes[0]) +
+         (ids1.capacity() + ids2.capacity()) * sizeof(int32_t) +
+         seen.capacity() * sizeof(uint32_t) + m_order.capacity() * sizeof(m_order[0]);
+}
+
+uint32_t CodeIndex::NextMark() {
   if (seen.size() != codes.size() || mark == UINT32_MAX) {
     seen.assign(codes.size(), 0);
     mark = 0;

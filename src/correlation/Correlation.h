@@ -1,87 +1,175 @@
-// Internal routines of the stratum correlation. Every routine reads the two boreholes and their
-// plan distance through a CorrelationState passed by reference; regions hold index ranges into
-// the state's stratum lists, never copies of strata.
+// Internal routines of the stratum correlation.
+//
+// A Correlator runs one correlation at a time: it reads the two boreholes in place for the length
+// of a call and owns the scratch storage of every step, kept from one call to the next so that the
+// next pair of a section starts warm. Regions hold index ranges into the boreholes' strata, never
+// copies of strata; every routine below reads the boreholes through the correlator.
 #pragma once
 
 #include "correlation/CodeIndex.h"
+#include "records/RegionKind.h"
 
 #include <XKLinkDc/XKLinkDc.h>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <string>
+#include <utility>
 #include <vector>
-
-namespace xkl {
-struct Workspace;
-}
-
-namespace XKLinkDc {
-
-// The two boreholes of one correlation and their plan distance. LinkDc uses the single
-// module-wide instance (g_zk1, g_zk2, g_dDist alias its members), which keeps copies of the
-// boreholes; CorrelationContext owns its own and reads the caller's boreholes in place for the
-// length of a call. The correlation reads the boreholes through Zk1() and Zk2() only.
-struct CorrelationState {
-  DataType::_sZK zk1; // the state's own copies, read unless Borrow() points elsewhere
-  DataType::_sZK zk2;
-  double dDist = 0.0;
-
-  CorrelationState();
-  CorrelationState(const CorrelationState& other); // the own copies and distance only
-  CorrelationState& operator=(const CorrelationState& other);
-  ~CorrelationState();
-
-  const DataType::_sZK& Zk1() const { return *m_zk1; }
-  const DataType::_sZK& Zk2() const { return *m_zk2; }
-  // Reads two boreholes held by the caller, who keeps them unchanged until Release().
-  void Borrow(const DataType::_sZK& a, const DataType::_sZK& b);
-  // Back to the own copies: nothing refers to the caller's boreholes any more.
-  void Release();
-
-  // The codes of zk1 and zk2 interned, built on first use after the boreholes were set.
-  const xkl::CodeIndex& Codes() const;
-  // To be called whenever zk1 or zk2 change.
-  void ForgetCodes() { m_codesBuilt = false; }
-  // Reusable working storage of the splitting passes, created on first use.
-  xkl::Workspace& Work() const;
-  // Returns the working storage to the system (at the end of a correlation).
-  void ReleaseWork() const;
-
-private:
-  const DataType::_sZK* m_zk1 = &zk1;
-  const DataType::_sZK* m_zk2 = &zk2;
-  mutable xkl::CodeIndex m_codes;
-  mutable bool m_codesBuilt = false;
-  mutable std::unique_ptr<xkl::Workspace> m_work;
-};
-
-} // namespace XKLinkDc
 
 namespace xkl {
 
 using DataType::_sLinkRegion;
 using DataType::_sZK;
-using XKLinkDc::CorrelationState;
+using DataType::_sZKDC;
 using RegionList = std::vector<_sLinkRegion>;
 
-// The module-wide correlation state: the copies of the two boreholes of the latest LinkDc call and
-// their plan distance. They keep their values until the next call.
-extern CorrelationState g_state;
-extern _sZK& g_zk1;
-extern _sZK& g_zk2;
-extern double& g_dDist;
+// Two strata of one code, one in each hole: a candidate for being the same bed. `key` is the
+// difference of their mid elevations, the less plausible the larger.
+struct StratumPair {
+  int32_t dc1 = -1;
+  int32_t dc2 = -1;
+  double key = 0.0;
+  bool dropped = false;
+};
 
-// How a correlation holds its two boreholes: the module-wide state keeps copies that outlive the
-// call; a context reads the caller's in place.
-enum class Boreholes { Copied, Borrowed };
+// Strata of one side of a region, the repeated occurrences of a code fused into one run.
+struct StratumRun {
+  int32_t begin = -1;
+  int32_t end = -1;
+  int32_t code = -1; // interned (CodeIndex)
+  bool merged = false;
+};
 
-// Runs a whole correlation on the given state: takes the boreholes, computes the plan distance,
-// initialises the root and walks the tree.
-void RunLinkDc(CorrelationState& state, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root,
-               Boreholes boreholes);
-// Runs LinkDc on a root of its own and appends the finished section lines.
-void RunLinkDcLine(CorrelationState& state, const _sZK& zk1, const _sZK& zk2,
-                   std::vector<DataType::_sLinkLine>& lines, Boreholes boreholes);
+template <class T> std::size_t BytesOf(const std::vector<T>& v) {
+  return v.capacity() * sizeof(T);
+}
+
+// Scratch of the first splitting pass over few pairs: the pairs themselves, the borehole-2 strata
+// chained by code, and the candidates of the second chance.
+struct PairBuffers {
+  std::vector<StratumPair> pairs;
+  std::vector<int32_t> firstOfCode; // per code: its first borehole-2 stratum, -1 outside a call
+  std::vector<int32_t> nextOfCode;  // per stratum: the next one of its code
+  std::vector<int32_t> countOfCode; // per code: its borehole-2 strata, 0 outside a call
+  std::vector<StratumPair*> candidates;
+  std::size_t Bytes() const;
+};
+
+// Scratch of the crossing rule on bitsets (CrossingBitsets.cpp).
+struct BitsetBuffers {
+  std::vector<int32_t> rowBegin;        // first pair of each pair's row
+  std::vector<int32_t> rowEnd;          // one past the last pair of each pair's row
+  std::vector<int32_t> column;          // each pair's column, counted from the lowest
+  std::vector<uint64_t> earlierColumns; // per column: the pairs in the columns before it
+  std::vector<uint8_t> band;            // each pair's band of keys
+  std::vector<uint64_t> lowerBands;     // per band: the pairs in the bands below it
+  std::vector<int32_t> keptBefore;      // the staircase of the kept pairs (KeptStaircase)
+  std::vector<int32_t> keptAfter;
+  std::vector<StratumPair*> candidates;
+  std::size_t Bytes() const;
+};
+
+// Scratch of the sweep that settles many pairs without listing them (CrossingSweep.cpp).
+struct SweepPair {
+  int32_t pair;   // number in collection order
+  int32_t column; // counted from the region's first borehole-2 stratum
+  double key;
+};
+struct SweepBuffers {
+  std::vector<double> mid1;           // mid elevation of each row (borehole-1 stratum)
+  std::vector<double> mid2;           // and of each column (borehole-2 stratum)
+  std::vector<int32_t> rowsOfCode;    // the rows of each code in order, code after code
+  std::vector<int32_t> rowsOfCodeAt;  // where each code's rows begin, and one past the end
+  std::vector<int32_t> columnsOfCode; // the same for columns
+  std::vector<int32_t> columnsOfCodeAt;
+  std::vector<int32_t> firstPair;                // number of the first pair of each row
+  std::vector<uint8_t> dropped;                  // per pair
+  std::vector<SweepPair> row;                    // the pairs of the row the sweep has reached
+  std::vector<int32_t> offset;                   // first entry of each column
+  std::vector<int32_t> entries;                  // rows by column, each column sorted by key
+  std::vector<std::pair<double, int32_t>> keyed; // one column's entries with their keys
+  std::vector<int32_t> lo;                       // first live entry of each column
+  std::vector<int32_t> hi;                       // last live entry of each column
+  std::vector<double> treeMin;                   // segment tree over the columns
+  std::vector<double> treeMax;
+  std::vector<int32_t> keptBefore; // staircase of the kept pairs
+  std::vector<int32_t> keptAfter;
+  std::vector<uint8_t> rowKept;
+  std::vector<uint8_t> columnKept;
+  std::vector<int32_t> readmittedBefore; // Fenwick trees over the rows of re-admitted pairs
+  std::vector<int32_t> readmittedAfter;
+  std::vector<StratumPair*> candidates;
+  std::size_t Bytes() const;
+};
+
+// Scratch of the stratum runs of the closing routines.
+struct RunBuffers {
+  std::vector<StratumRun> side1;
+  std::vector<StratumRun> side2;
+  // Per code: the first and second run carrying it in the list being searched, -1 outside a
+  // search.
+  std::vector<int32_t> firstRun;
+  std::vector<int32_t> secondRun;
+  std::vector<int32_t> codesInOrder; // codes by their first run
+  std::vector<int32_t> namedBefore;  // runs carrying the region's own code among the first k
+  std::size_t Bytes() const;
+};
+
+// Scratch of the walk over the tree.
+struct WalkBuffers {
+  struct Pending {
+    _sLinkRegion* region;
+    bool subRegion;
+  };
+  std::vector<Pending> pending; // regions still to be processed, the next one last
+  RegionList gaps;              // the gaps of the region being split, closed one by one
+  std::size_t Bytes() const;
+};
+
+class Correlator {
+public:
+  // Correlates two boreholes into the tree below root, reading them in place: the caller keeps
+  // them unchanged until the call returns.
+  void Correlate(const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root);
+
+  const _sZK& Zk1() const { return *m_zk1; }
+  const _sZK& Zk2() const { return *m_zk2; }
+  double Distance() const { return m_distance; } // plan distance of the two holes
+  const CodeIndex& Codes() const { return m_codes; }
+  CodeIndex& Codes() { return m_codes; }
+
+  // How the crossing rule runs on the pairs of equal strata of a region: as it reads
+  // (CrossingRule.cpp) up to plainPairLimit pairs, on bitsets (CrossingBitsets.cpp) up to
+  // bitsetPairLimit, as a sweep (CrossingSweep.cpp) beyond. Ordinary logs have tens of pairs, a
+  // unit sampled again and again in both holes a few hundred, two long logs millions. Tests set
+  // the limits to run one path on every region.
+  static constexpr std::size_t kPlainPairLimit = 16;
+  static constexpr std::size_t kBitsetPairLimit = 1024; // the most the bitsets take
+  std::size_t plainPairLimit = kPlainPairLimit;
+  std::size_t bitsetPairLimit = kBitsetPairLimit;
+
+  PairBuffers pairs;
+  BitsetBuffers bitsets;
+  SweepBuffers sweep;
+  RunBuffers runs;
+  WalkBuffers walk;
+
+  // Bytes held by the scratch storage.
+  std::size_t Bytes() const;
+
+private:
+  void InitRootRegion(_sLinkRegion& root) const;
+  void LinkRegion(_sLinkRegion& root);
+  bool ProcessRegion(_sLinkRegion& region, bool subRegion);
+  void SplitAndCloseRegion(const _sLinkRegion& region, RegionList& children, bool subRegion);
+  void CloseRegion(const _sLinkRegion& region, RegionList& out);
+  bool FitsBoreholes(const _sLinkRegion& region) const;
+  void ReleaseLargeScratch();
+
+  const _sZK* m_zk1 = nullptr;
+  const _sZK* m_zk2 = nullptr;
+  double m_distance = 0.0;
+  CodeIndex m_codes;
+};
 
 // Elevation of the boundary above stratum k: the top of stratum k, or below the last stratum its
 // bottom. A borehole without strata has every boundary at its collar.
@@ -96,27 +184,12 @@ inline void ReserveMore(RegionList& out, std::size_t more) {
   }
 }
 
-// --- entry and recursion -------------------------------------------------------------------
-void InitRootRegion(const CorrelationState& state, _sLinkRegion& root);
-void LinkRegion(const CorrelationState& state, _sLinkRegion& region, bool bSubRegion);
+// --- the work test and the common-stratum test ---------------------------------------------
 // codeIds: the interned code of every stratum of one borehole (CodeIndex::ids1 or ids2).
-bool HasMixedStrata(const std::vector<int32_t>& codeIds, int32_t nBegin, int32_t nEnd);
-bool HasCommonStratum(const CorrelationState& state, const _sLinkRegion& region);
-void SplitAndCloseRegion(const CorrelationState& state, const _sLinkRegion& region,
-                         RegionList& children, bool bSubRegion);
+bool HasMixedStrata(const std::vector<int32_t>& codeIds, int32_t begin, int32_t end);
+bool HasCommonStratum(Correlator& correlator, const _sLinkRegion& region);
 
 // --- first splitting pass: strata common to both boreholes ---------------------------------
-struct DcPair {
-  int32_t nDC1 = -1;
-  int32_t nDC2 = -1;
-  double dDiffGC = 0.0; // |mid elevation 1 - mid elevation 2|; later only a sort key
-  bool bDrop = false;
-};
-void MatchCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
-                       std::vector<DcPair>& pairs);
-inline double MidElevation(const DataType::_sZKDC& dc) {
-  return (dc.dTopGC + dc.dBotGC) * 0.5;
-}
 // The strata of a region that can pair: the index ranges, normalised, and the code that pairs with
 // nothing (the region's own inside its envelope; -1 when none).
 struct PairingRange {
@@ -126,53 +199,39 @@ struct PairingRange {
   int32_t last2;
   int32_t excluded;
 };
-PairingRange PairingRangeOf(const CorrelationState& state, const _sLinkRegion& region);
-// MatchCommonStrata for more pairs than the bitsets settle: the same kept pairs, found without
-// listing every pair (two long logs have millions).
-void MatchManyCommonStrata(const CorrelationState& state, const PairingRange& range,
-                           std::vector<DcPair>& pairs);
-void SplitAtCommonStrata(const CorrelationState& state, const _sLinkRegion& region,
-                         RegionList& out);
+void SplitAtCommonStrata(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
+// The kept pairs of a region, in collection order (CommonStrata.cpp).
+void MatchCommonStrata(Correlator& correlator, const _sLinkRegion& region,
+                       std::vector<StratumPair>& kept);
+// The crossing rule on a list of pairs in collection order (CrossingRule.cpp).
+void SettleCrossings(std::vector<StratumPair>& pairs, std::vector<StratumPair*>& candidates);
+// The same decisions on bitsets, for at most Correlator::kBitsetPairLimit pairs over not too many
+// columns; false (and nothing done) otherwise.
+bool SettleCrossingsByBitsets(std::vector<StratumPair>& pairs, BitsetBuffers& buffers);
+// The same decisions for pairs that run into the millions, without listing them
+// (CrossingSweep.cpp); appends the kept pairs in collection order.
+void MatchManyCommonStrata(Correlator& correlator, const PairingRange& range,
+                           std::vector<StratumPair>& kept);
+// Sorts candidates of the second chance by key, keeping list order among equal keys, as
+// inserting them one by one would; they point into one pair list, in list order.
+void SortCandidatesByKey(std::vector<StratumPair*>& candidates);
+inline double MidElevation(const _sZKDC& dc) {
+  return (dc.dTopGC + dc.dBotGC) * 0.5;
+}
 
 // --- second splitting pass: the gaps between common strata ---------------------------------
-void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
-                    const RegionList& children, RegionList& gaps, bool bSubRegion);
+void MakeGapRegions(const Correlator& correlator, const _sLinkRegion& region,
+                    const RegionList& children, RegionList& gaps, bool subRegion);
 
-// --- stratum runs, shared by both closing routines -----------------------------------------
-// Runs carry the interned code of their strata (CorrelationState::Codes), so that fusing compares
-// integers; the code itself is CodeName(list, run).
-struct DcRun {
-  int32_t nBegin = -1;
-  int32_t nEnd = -1;
-  int32_t nCode = -1;
-  bool bMerged = false; // fused from several occurrences of one code
-};
-struct DcRunList {
-  const _sLinkRegion* pRegion = nullptr;
-  const _sZK* pZK = nullptr;
-  const CorrelationState* pState = nullptr;
-  int32_t nRegionCode = -1; // the code of the region's name; -1 when no stratum carries it
-  std::vector<DcRun> vecRun;
-};
-// side true: borehole 1 with nBegin1/nEnd1; false: borehole 2 with nBegin2/nEnd2.
-void BuildDcRunList(const CorrelationState& state, DcRunList& list, const _sLinkRegion& region,
-                    bool side);
-const std::wstring& CodeName(const DcRunList& list, const DcRun& run);
-// The code to fuse next, or false when nothing is left to fuse.
-bool FindRepeatedDc(const DcRunList& list, int32_t& code);
-int32_t CompareDcThickness(const DcRunList& list, int32_t codeA, int32_t codeB);
-void MergeDcRun(DcRunList& list, int32_t code);
-// Builds the run list of one side into `runs` and fuses repeated codes until none is left.
-void BuildFusedRuns(const CorrelationState& state, const _sLinkRegion& region, bool side,
-                    std::vector<DcRun>& runs);
+// --- closing -----------------------------------------------------------------------------------
+// The runs of one side (true: borehole 1) of a region, repeated codes fused until none is left.
+void BuildFusedRuns(Correlator& correlator, const _sLinkRegion& region, bool side,
+                    std::vector<StratumRun>& runs);
+void CloseUnmatchedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
+void CloseNamedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
 
-// --- closing ---------------------------------------------------------------------------------
-void CloseUnmatchedRegion(const CorrelationState& state, const _sLinkRegion& region,
-                          RegionList& out);
-void CloseNamedRegion(const CorrelationState& state, const _sLinkRegion& region, RegionList& out);
-
-// --- lens geometry ---------------------------------------------------------------------------
-CXk3DPoint GetLensTip(const CorrelationState& state, const _sLinkRegion& region,
+// --- lens geometry -----------------------------------------------------------------------------
+CXk3DPoint GetLensTip(const Correlator& correlator, const _sLinkRegion& region,
                       const CXk3DPoint& mid, bool side);
 int32_t IntersectSegment(const CXk3DPoint& p0, const CXk3DPoint& p1, const CXk3DPoint& q0,
                          const CXk3DPoint& q1, CXk3DPoint& r1, CXk3DPoint& r2);

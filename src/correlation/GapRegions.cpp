@@ -15,17 +15,17 @@ bool CarriesCode(const std::vector<int32_t>& codeIds, int32_t index, int32_t cod
 
 // Appends one gap of the region whose corners are taken whole from the boundaries that enclose
 // it. A gap of a named region is still inside that envelope and is closed as one.
-void AppendGap(const _sLinkRegion& region, int32_t nBegin1, int32_t nEnd1, int32_t nBegin2,
-               int32_t nEnd2, const CXk3DPoint (&top)[2], const CXk3DPoint (&bot)[2],
+void AppendGap(const _sLinkRegion& region, int32_t begin1, int32_t end1, int32_t begin2,
+               int32_t end2, const CXk3DPoint (&top)[2], const CXk3DPoint (&bot)[2],
                RegionList& gaps) {
   _sLinkRegion& gap = gaps.emplace_back();
-  gap.nType = 0;
+  gap.nType = ToInt(RegionKind::Open);
   gap.bNamed = region.bNamed;
   gap.strName = region.strName;
-  gap.nBegin1 = nBegin1;
-  gap.nEnd1 = nEnd1;
-  gap.nBegin2 = nBegin2;
-  gap.nEnd2 = nEnd2;
+  gap.nBegin1 = begin1;
+  gap.nEnd1 = end1;
+  gap.nBegin2 = begin2;
+  gap.nEnd2 = end2;
   gap.ptTop[0] = top[0];
   gap.ptTop[1] = top[1];
   gap.ptBot[0] = bot[0];
@@ -34,8 +34,8 @@ void AppendGap(const _sLinkRegion& region, int32_t nBegin1, int32_t nEnd1, int32
 
 } // namespace
 
-void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
-                    const RegionList& children, RegionList& gaps, bool bSubRegion) {
+void MakeGapRegions(const Correlator& correlator, const _sLinkRegion& region,
+                    const RegionList& children, RegionList& gaps, bool subRegion) {
   if (children.empty()) {
     return;
   }
@@ -43,7 +43,7 @@ void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
   const _sLinkRegion& last = children.back();
 
   // The envelope's own first stratum is the envelope, not part of the gap below it.
-  const CodeIndex& codes = state.Codes();
+  const CodeIndex& codes = correlator.Codes();
   const int32_t name = region.bNamed ? codes.IdOf(region.strName) : -1;
   int32_t i1 = region.nBegin1;
   int32_t i2 = region.nBegin2;
@@ -68,13 +68,13 @@ void MakeGapRegions(const CorrelationState& state, const _sLinkRegion& region,
 
   // Below the deepest common stratum of the whole section nothing is correlated: the strata there
   // are left out of the tree rather than guessed at.
-  if (!bSubRegion) {
+  if (!subRegion) {
     return;
   }
 
   // The stratum tested is the one just above the adjusted top, not the region's last stratum: for
-  // the envelopes cut out by the first pass both are occurrences of the name, and the rule takes the
-  // closing occurrence off the bottom gap.
+  // the envelopes cut out by the first pass both are occurrences of the name, and the rule takes
+  // the closing occurrence off the bottom gap.
   int32_t e1 = region.nEnd1;
   int32_t e2 = region.nEnd2;
   if (region.bNamed) {

@@ -7,7 +7,6 @@
 // The work is done in the vertical plane of the section, each point written as (plan distance from
 // the lens's borehole, elevation, 0).
 #include "correlation/Correlation.h"
-
 #include "records/CompareDouble.h"
 
 #include <cmath>
@@ -17,7 +16,6 @@ namespace xkl {
 
 namespace {
 
-constexpr double kTolerance = 1e-5;
 constexpr double kLensReach = 0.45;
 constexpr double kPullBack = 0.6;
 
@@ -27,7 +25,9 @@ CXk3DPoint ToSectionPlane(const CXk3DPoint& p, double originX, double originY) {
   return {std::sqrt(dy * dy + dx * dx), p.z, 0.0};
 }
 
-double SquaredLength(const CXk3DPoint& d) { return std::fabs(d.x * d.x + d.y * d.y + d.z * d.z); }
+double SquaredLength(const CXk3DPoint& d) {
+  return std::fabs(d.x * d.x + d.y * d.y + d.z * d.z);
+}
 
 // Collinear segments: where P0-P1 lies on Q0-Q1, as parameters of the second segment.
 int32_t IntersectCollinear(const CXk3DPoint& p1, const CXk3DPoint& q0, const CXk3DPoint& d2,
@@ -65,10 +65,10 @@ int32_t IntersectCollinear(const CXk3DPoint& p1, const CXk3DPoint& q0, const CXk
 
 } // namespace
 
-CXk3DPoint GetLensTip(const CorrelationState& state, const _sLinkRegion& region,
+CXk3DPoint GetLensTip(const Correlator& correlator, const _sLinkRegion& region,
                       const CXk3DPoint& mid, bool side) {
-  const _sZK& own = side ? state.Zk1() : state.Zk2();
-  const _sZK& other = side ? state.Zk2() : state.Zk1();
+  const _sZK& own = side ? correlator.Zk1() : correlator.Zk2();
+  const _sZK& other = side ? correlator.Zk2() : correlator.Zk1();
   const double ox = own.dX;
   const double oy = own.dY;
 
@@ -78,8 +78,8 @@ CXk3DPoint GetLensTip(const CorrelationState& state, const _sLinkRegion& region,
   const CXk3DPoint bot1 = ToSectionPlane(region.ptBot[1], ox, oy);
 
   const CXk3DPoint c0 = ToSectionPlane(mid, ox, oy);
-  CXk3DPoint c1(kLensReach * state.dDist, mid.z, 0.0);
-  double t = kLensReach * state.dDist;
+  CXk3DPoint c1(kLensReach * correlator.Distance(), mid.z, 0.0);
+  double t = kLensReach * correlator.Distance();
 
   // Only a crossing in a single point counts; an envelope edge running along the probe says
   // nothing about where the lens ends. The bottom edge is tested second, against the probe as the
@@ -94,10 +94,10 @@ CXk3DPoint GetLensTip(const CorrelationState& state, const _sLinkRegion& region,
     t = (r1.x - c0.x) * kPullBack + c0.x;
   }
 
-  // Boreholes at one plan position give dDist 0 and a non-finite tip: there is no direction in
-  // which the lens could reach.
-  const double x = (other.dX - own.dX) * t / state.dDist + own.dX;
-  const double y = (other.dY - own.dY) * t / state.dDist + own.dY;
+  // Boreholes at one plan position give a distance of 0 and a non-finite tip: there is no direction
+  // in which the lens could reach.
+  const double x = (other.dX - own.dX) * t / correlator.Distance() + own.dX;
+  const double y = (other.dY - own.dY) * t / correlator.Distance() + own.dY;
   return {x, y, mid.z};
 }
 

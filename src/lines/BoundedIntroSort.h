@@ -22,8 +22,6 @@
 
 namespace xkl {
 
-namespace sort_detail {
-
 // Ranges up to this size are left to the final insertion sort.
 inline constexpr std::ptrdiff_t kInsertionThreshold = 16;
 
@@ -200,12 +198,10 @@ private:
   Less& m_less;
 };
 
-} // namespace sort_detail
-
 // Sorts [first, last) as std::sort does, without leaving the range under any predicate.
 template <class RandomIt, class Less>
 void BoundedIntroSort(RandomIt first, RandomIt last, Less less) {
-  sort_detail::IntroSorter<RandomIt, Less>(first, last, less).Sort();
+  IntroSorter<RandomIt, Less>(first, last, less).Sort();
 }
 
 } // namespace xkl

@@ -1,5 +1,6 @@
 // The regions whose boundaries are drawn, and their two boundary lines each.
 #include "lines/Lines.h"
+#include "records/RegionKind.h"
 
 namespace xkl {
 
@@ -13,7 +14,7 @@ bool IsLeafRegion(const _sLinkRegion& region) {
     return true;
   }
   for (const _sLinkRegion& child : region.vecChild) {
-    if (child.nType == 0) {
+    if (IsOpen(child)) {
       return false;
     }
   }

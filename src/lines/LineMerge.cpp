@@ -4,7 +4,6 @@
 // segment; the merge keeps one line that names the region above it and the region below it.
 #include "lines/BoundedIntroSort.h"
 #include "lines/Lines.h"
-
 #include "records/CompareDouble.h"
 
 #include <bit>
@@ -23,10 +22,10 @@ bool HasNaN(const _sLinkLine& line) {
 }
 
 // Lines are found again by the elevations of their two ends, each in cells 1e-4 high: two
-// elevations equal within the 1e-5 tolerance lie in the same or in neighbouring cells. From 1e12 on,
-// neighbouring doubles lie more than 1e-4 apart, so only identical elevations are equal there, and
-// such an elevation (an infinite one too) is its own cell, named by its bits. Every line that can
-// equal another thus shares a cell with it, whatever the magnitude.
+// elevations equal within the 1e-5 tolerance lie in the same or in neighbouring cells. From 1e12
+// on, neighbouring doubles lie more than 1e-4 apart, so only identical elevations are equal there,
+// and such an elevation (an infinite one too) is its own cell, named by its bits. Every line that
+// can equal another thus shares a cell with it, whatever the magnitude.
 constexpr double kCellsPerUnit = 1e4;
 constexpr double kCellLimit = 1e12;
 
@@ -82,7 +81,9 @@ void WalkSameLines(LineList& lines, std::vector<uint8_t>& alive, int32_t* previo
 
 // Whether two elevations certainly differ beyond the tolerance: a quick test that spares most
 // full comparisons, since lines of one section differ mostly in elevation.
-bool ClearlyApart(double a, double b) { return !(std::fabs(a - b) < 1e-5) && a != b; }
+bool ClearlyApart(double a, double b) {
+  return !(std::fabs(a - b) < kTolerance) && a != b;
+}
 
 // The lines by the cells of their two elevations, in a hash table of chains, each chain from its
 // latest line to its earliest, so that the nearest earlier equal of a line is the first match in
@@ -151,13 +152,13 @@ private:
   // Fibonacci hashing of the two cells: the top bits of the product, as many as the table has
   // slots.
   std::size_t Slot(int64_t cell1, int64_t cell2) const {
-    const uint64_t mixed = static_cast<uint64_t>(cell1) * 0x9E3779B97F4A7C15ull ^
-                           static_cast<uint64_t>(cell2);
+    const uint64_t mixed =
+        static_cast<uint64_t>(cell1) * 0x9E3779B97F4A7C15ull ^ static_cast<uint64_t>(cell2);
     return static_cast<std::size_t>((mixed * 0xC2B2AE3D27D4EB4Full) >> m_shift);
   }
 
   const LineList& m_lines;
-  unsigned m_shift = 60; // 64 less the bits of the table size
+  unsigned m_shift = 60;        // 64 less the bits of the table size
   std::vector<int64_t> m_cell1; // per line: the cells of its two ends
   std::vector<int64_t> m_cell2;
   std::vector<int32_t> m_head;
@@ -258,9 +259,8 @@ void FinishLines(LineList& lines) {
       order.push_back(static_cast<uint32_t>(i));
     }
   }
-  BoundedIntroSort(order.begin(), order.end(), [&lines](uint32_t a, uint32_t b) {
-    return IsLineAbove(lines[a], lines[b]);
-  });
+  BoundedIntroSort(order.begin(), order.end(),
+                   [&lines](uint32_t a, uint32_t b) { return IsLineAbove(lines[a], lines[b]); });
   // The highest line of a finished section joins the two collars: the ground surface, which the
   // host draws from its own terrain data.
   LineList finished;

@@ -5,6 +5,10 @@
 
 namespace xkl {
 
+// The one tolerance of the library: for equality of coordinates and elevations, and as the
+// threshold of every geometric test (lens geometry, the point's plane tests, its guarded divisor).
+inline constexpr double kTolerance = 1e-5;
+
 // 0 when a and b are equal within 1e-5 (relative to the larger magnitude when both are below 1),
 // 1 when a is greater, -1 when a is less or either is not a number.
 //
@@ -14,7 +18,6 @@ namespace xkl {
 // so the difference must also be small relative to the larger one; an exact zero is spared the
 // relative test, since nothing is small relative to zero.
 inline int CompareDouble(double a, double b) {
-  constexpr double kTolerance = 1e-5;
   if (a == b) {
     return 0;
   }

@@ -1,15 +1,18 @@
 // Plane-geometry tests that the point class offers to the host: collinearity, the circle through
 // three points and the position of a point against a circle. Thresholds are absolute (1e-5), as
 // the host's drawings are in metres and never approach that scale.
-#include <XKLinkDc/XKLinkDc.h>
+#include "records/CompareDouble.h"
 
+#include <XKLinkDc/XKLinkDc.h>
 #include <cmath>
 
 namespace {
 
-constexpr double kTolerance = 1e-5;
+using xkl::kTolerance;
 
-double Length(const CXk3DPoint& p) { return std::sqrt(p.x * p.x + p.y * p.y + p.z * p.z); }
+double Length(const CXk3DPoint& p) {
+  return std::sqrt(p.x * p.x + p.y * p.y + p.z * p.z);
+}
 
 // Writes a x b into out and returns it.
 CXk3DPoint& CrossProduct(const CXk3DPoint& a, CXk3DPoint& out, const CXk3DPoint& b) {
@@ -34,7 +37,9 @@ bool IsDegenerateTriangle(const CXk3DPoint& p1, const CXk3DPoint& p2, const CXk3
   return Length(CrossProduct(u, n, v)) < kTolerance;
 }
 
-double Cross2(double ux, double uy, double vx, double vy) { return ux * vy - uy * vx; }
+double Cross2(double ux, double uy, double vx, double vy) {
+  return ux * vy - uy * vx;
+}
 
 } // namespace
 

@@ -2,14 +2,15 @@
 #include "records/CompareDouble.h"
 
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <cmath>
 
 namespace {
 
 // A divisor this small would blow coordinates up to meaningless magnitudes; the host's code has
 // always divided by 1e-4 instead, whatever the sign, and drawings made with it depend on that.
-double GuardedDivisor(double d) { return std::fabs(d) < 1e-5 ? 0.0001 : d; }
+double GuardedDivisor(double d) {
+  return std::fabs(d) < xkl::kTolerance ? 0.0001 : d;
+}
 
 } // namespace
 
@@ -52,8 +53,12 @@ CXk3DPoint& CXk3DPoint::operator=(const CXk3DPoint& p) {
   return *this;
 }
 
-CXk3DPoint CXk3DPoint::operator+(const CXk3DPoint& p) const { return {x + p.x, y + p.y, z + p.z}; }
-CXk3DPoint CXk3DPoint::operator-(const CXk3DPoint& p) const { return {x - p.x, y - p.y, z - p.z}; }
+CXk3DPoint CXk3DPoint::operator+(const CXk3DPoint& p) const {
+  return {x + p.x, y + p.y, z + p.z};
+}
+CXk3DPoint CXk3DPoint::operator-(const CXk3DPoint& p) const {
+  return {x - p.x, y - p.y, z - p.z};
+}
 
 CXk3DPoint CXk3DPoint::operator+=(const CXk3DPoint& p) {
   x += p.x;
@@ -69,7 +74,9 @@ CXk3DPoint CXk3DPoint::operator-=(const CXk3DPoint& p) {
   return *this;
 }
 
-CXk3DPoint CXk3DPoint::operator*(const double& s) const { return {x * s, y * s, z * s}; }
+CXk3DPoint CXk3DPoint::operator*(const double& s) const {
+  return {x * s, y * s, z * s};
+}
 
 CXk3DPoint CXk3DPoint::operator*=(const double& s) {
   x *= s;
@@ -91,7 +98,9 @@ CXk3DPoint CXk3DPoint::operator/=(const double& d) {
   return *this;
 }
 
-CXk3DPoint CXk3DPoint::operator-() { return {-x, -y, -z}; }
+CXk3DPoint CXk3DPoint::operator-() {
+  return {-x, -y, -z};
+}
 
 int CXk3DPoint::operator==(const CXk3DPoint& p) const {
   return xkl::CompareDouble(x, p.x) == 0 && xkl::CompareDouble(y, p.y) == 0 &&
@@ -114,4 +123,6 @@ double CXk3DPoint::Dist2(const CXk3DPoint& p) const {
   return (dx * dx + dy * dy) + dz * dz;
 }
 
-double CXk3DPoint::Distance(const CXk3DPoint& p) const { return std::sqrt(Dist2(p)); }
+double CXk3DPoint::Distance(const CXk3DPoint& p) const {
+  return std::sqrt(Dist2(p));
+}
