@@ -2,7 +2,7 @@
 #include "Colour.h"
 
 #include "Section.h"
-#include "Text.h"
+#include "TextMetrics.h"
 
 #include <gtest/gtest.h>
 #include <map>

@@ -32,7 +32,7 @@ Section CorrelatedSection(const std::string& title,
     const double chainage = i > 0 ? section.holes.back().chainage : 0.0;
     section.holes.push_back({holes[i].first, chainage + std::hypot(b.dX - a.dX, b.dY - a.dY), b});
     if (i > 0) {
-      SectionPair pair{i - 1, i, {}, {}};
+      SectionPair pair{i - 1, i, false, {}, {}};
       LinkDc(a, b, pair.root);
       LinkDcLine(a, b, pair.lines);
       section.pairs.push_back(std::move(pair));
@@ -43,21 +43,34 @@ Section CorrelatedSection(const std::string& title,
 
 Section LondonSection() {
   return CorrelatedSection(
-      "Section A\xE2\x80\x93" "A\xE2\x80\xB2: Nine Elms",
-      {{"BH1", MakeHole(L"BH1", 1000.0, 2000.0,
-                        {{L"MG", 6.2, 4.8}, {L"ALV", 4.8, 2.9}, {L"RTD", 2.9, -1.5},
-                         {L"LC", -1.5, -18.0}})},
+      "Section A\xE2\x80\x93"
+      "A\xE2\x80\xB2: Nine Elms",
+      {{"BH1",
+        MakeHole(
+            L"BH1", 1000.0, 2000.0,
+            {{L"MG", 6.2, 4.8}, {L"ALV", 4.8, 2.9}, {L"RTD", 2.9, -1.5}, {L"LC", -1.5, -18.0}})},
        {"BH2", MakeHole(L"BH2", 1038.0, 2021.0,
-                        {{L"MG", 5.6, 4.1}, {L"ALV", 4.1, 2.2}, {L"PEAT", 2.2, 1.0},
-                         {L"ALV", 1.0, 0.2}, {L"RTD", 0.2, -3.9}, {L"LC", -3.9, -20.5}})},
+                        {{L"MG", 5.6, 4.1},
+                         {L"ALV", 4.1, 2.2},
+                         {L"PEAT", 2.2, 1.0},
+                         {L"ALV", 1.0, 0.2},
+                         {L"RTD", 0.2, -3.9},
+                         {L"LC", -3.9, -20.5}})},
        {"BH3", MakeHole(L"BH3", 1085.0, 2040.0,
-                        {{L"MG", 4.9, 3.0}, {L"RTD", 3.0, -2.5}, {L"LC", -2.5, -8.0},
-                         {L"CLST", -8.0, -9.2}, {L"LC", -9.2, -21.0}})},
+                        {{L"MG", 4.9, 3.0},
+                         {L"RTD", 3.0, -2.5},
+                         {L"LC", -2.5, -8.0},
+                         {L"CLST", -8.0, -9.2},
+                         {L"LC", -9.2, -21.0}})},
        {"BH4", MakeHole(L"BH4", 1140.0, 2052.0,
-                        {{L"MG", 5.3, 3.6}, {L"RTD", 3.6, -1.0}, {L"LC", -1.0, -15.0},
+                        {{L"MG", 5.3, 3.6},
+                         {L"RTD", 3.6, -1.0},
+                         {L"LC", -1.0, -15.0},
                          {L"LMG", -15.0, -24.0}})},
        {"BH5", MakeHole(L"BH5", 1171.0, 2066.0,
-                        {{L"MG", 6.0, 3.9}, {L"RTD", 3.9, -0.4}, {L"LC", -0.4, -13.2},
+                        {{L"MG", 6.0, 3.9},
+                         {L"RTD", 3.9, -0.4},
+                         {L"LC", -0.4, -13.2},
                          {L"LMG", -13.2, -25.5}})}});
 }
 
@@ -81,13 +94,13 @@ std::size_t LeafCount(const Section& section) {
   std::size_t count = 0;
   const std::function<void(const DataType::_sLinkRegion&)> walk =
       [&](const DataType::_sLinkRegion& region) {
-    bool leaf = true;
-    for (const DataType::_sLinkRegion& child : region.vecChild) {
-      leaf = leaf && (child.nType != 0 || !region.strName.empty());
-      walk(child);
-    }
-    count += leaf ? 1 : 0;
-  };
+        bool leaf = true;
+        for (const DataType::_sLinkRegion& child : region.vecChild) {
+          leaf = leaf && (child.nType != 0 || !region.strName.empty());
+          walk(child);
+        }
+        count += leaf ? 1 : 0;
+      };
   for (const SectionPair& pair : section.pairs) {
     walk(pair.root);
   }

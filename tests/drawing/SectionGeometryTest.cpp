@@ -23,7 +23,7 @@ SectionHole HoleAt(double x, double y, double chainage) {
 TEST(MapToSection, DistanceFromTheFirstHoleScaledToTheChainagesOfThePair) {
   const SectionHole a = HoleAt(10.0, 20.0, 100.0); // 50 in plan from b (3-4-5)
   const SectionHole b = HoleAt(40.0, 60.0, 150.0);
-  const SectionHole c = HoleAt(0.0, 0.0, 0.0);     // 50 in plan from d, 80 along the section
+  const SectionHole c = HoleAt(0.0, 0.0, 0.0); // 50 in plan from d, 80 along the section
   const SectionHole d = HoleAt(50.0, 0.0, 80.0);
   struct Case {
     const char* what;
@@ -67,14 +67,14 @@ TEST(CollectRegionShapes, LensOfTheSecondHoleKeepsItsCornersAndFollowsItsHost) {
   // sand; the tip (1 and 2) lies inside the pair, nearer east, at the sand's mid elevation.
   const double sEast = section.holes[1].chainage;
   ASSERT_DOUBLE_EQ(sEast, 50.0);
-  EXPECT_NEAR(lens.corners[0].s, sEast, 1e-9);
-  EXPECT_NEAR(lens.corners[3].s, sEast, 1e-9);
-  EXPECT_DOUBLE_EQ(lens.corners[0].z, 6.0);
-  EXPECT_DOUBLE_EQ(lens.corners[3].z, 4.0);
-  EXPECT_DOUBLE_EQ(lens.corners[1].s, lens.corners[2].s);
-  EXPECT_GT(lens.corners[1].s, 25.0);
-  EXPECT_LT(lens.corners[1].s, sEast);
-  EXPECT_DOUBLE_EQ(lens.corners[1].z, 5.0);
+  EXPECT_NEAR(lens.polygon[0].s, sEast, 1e-9);
+  EXPECT_NEAR(lens.polygon[3].s, sEast, 1e-9);
+  EXPECT_DOUBLE_EQ(lens.polygon[0].z, 6.0);
+  EXPECT_DOUBLE_EQ(lens.polygon[3].z, 4.0);
+  EXPECT_DOUBLE_EQ(lens.polygon[1].s, lens.polygon[2].s);
+  EXPECT_GT(lens.polygon[1].s, 25.0);
+  EXPECT_LT(lens.polygon[1].s, sEast);
+  EXPECT_DOUBLE_EQ(lens.polygon[1].z, 5.0);
 }
 
 TEST(CollectShapes, OnePerLeafAndLineWithinItsPairDroppingWhatDoesNotMap) {
@@ -84,7 +84,7 @@ TEST(CollectShapes, OnePerLeafAndLineWithinItsPairDroppingWhatDoesNotMap) {
   EXPECT_EQ(CollectLineShapes(section).size(), testing::LineCount(section));
   for (const RegionShape& shape : shapes) {
     const SectionPair& pair = section.pairs[shape.pair];
-    for (const SectionPoint& p : shape.corners) {
+    for (const SectionPoint& p : shape.polygon) {
       EXPECT_GE(p.s, section.holes[pair.from].chainage - 1e-9);
       EXPECT_LE(p.s, section.holes[pair.to].chainage + 1e-9);
     }
@@ -114,16 +114,18 @@ TEST(CollectRegionShapes, CodesOfTheFilledRegions) {
        {{L"A", 10.0, 8.0}, {L"B", 8.0, 5.0}, {L"C", 5.0, 2.0}, {L"D", 2.0, 0.0}},
        {{L"A", 11.0, 9.0}, {L"C", 9.0, 4.0}},
        {L"A", L"B", L"C"}},
-      {"unnamed root of one code takes it", {{L"A", 10.0, 8.0}, {L"A", 8.0, 5.0}},
-       {{L"A", 11.0, 9.0}}, {L"A"}},
+      {"unnamed root of one code takes it",
+       {{L"A", 10.0, 8.0}, {L"A", 8.0, 5.0}},
+       {{L"A", 11.0, 9.0}},
+       {L"A"}},
       {"unmatched codes stay unnamed", {{L"A", 10.0, 8.0}}, {{L"B", 11.0, 9.0}}, {L""}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     std::vector<std::wstring> codes;
-    for (const RegionShape& shape : CollectRegionShapes(testing::CorrelatedSection(
-             "t", {{"W", MakeHole(L"W", 0.0, 0.0, c.west)},
-                   {"E", MakeHole(L"E", 50.0, 0.0, c.east)}}))) {
+    for (const RegionShape& shape : CollectRegionShapes(
+             testing::CorrelatedSection("t", {{"W", MakeHole(L"W", 0.0, 0.0, c.west)},
+                                              {"E", MakeHole(L"E", 50.0, 0.0, c.east)}}))) {
       codes.push_back(shape.code);
     }
     std::sort(codes.begin(), codes.end());

@@ -2,7 +2,7 @@
 #include "Sheet.h"
 
 #include "SectionFixtures.h"
-#include "Text.h"
+#include "TextMetrics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,10 +34,10 @@ bool Mentions(const Sheet& sheet, Layer layer, const std::string& part) {
 
 void ExpectInsideAndFinite(const Sheet& sheet) {
   ASSERT_TRUE(std::isfinite(sheet.width) && std::isfinite(sheet.height));
-  const auto inside = [&sheet](double x0, double x1, double y0, double y1, const std::string& what) {
+  const auto inside = [&sheet](double x0, double x1, double y0, double y1,
+                               const std::string& what) {
     ASSERT_TRUE(std::isfinite(x0) && std::isfinite(x1) && std::isfinite(y0) && std::isfinite(y1));
-    EXPECT_TRUE(x0 >= -0.01 && x1 <= sheet.width + 0.01 && y0 >= -0.01 &&
-                y1 <= sheet.height + 0.01)
+    EXPECT_TRUE(x0 >= -0.01 && x1 <= sheet.width + 0.01 && y0 >= -0.01 && y1 <= sheet.height + 0.01)
         << what << " at " << x0 << "," << y0;
   };
   for (const Item& item : sheet.items) {
@@ -59,7 +59,7 @@ TEST(ComposeSheet, DrawsTheExaggerationItStatesWithEverythingOnTheSheet) {
   const struct {
     double asked;
     double drawn; // 0: chosen, at least 1
-  } cases[] = {{5.0, 5.0},  {1.0, 1.0},  {20.0, 20.0}, {0.0, 0.0},
+  } cases[] = {{5.0, 5.0},  {1.0, 1.0},  {20.0, 20.0},    {0.0, 0.0},
                {-3.0, 0.0}, {kNaN, 0.0}, {1e300, 1000.0}, {1e-300, 0.01}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.asked);
@@ -125,9 +125,10 @@ TEST(ComposeSheet, AwkwardInputStaysOnTheSheet) {
   broken.pairs[0].root.vecChild[0].ptBot[1].z = -kInf;
   const std::pair<const char*, Section> cases[] = {
       {"close holes", testing::CorrelatedSection("close", close)},
-      {"deep holes", testing::CorrelatedSection(
-                         "deep", {{"A", testing::MakeHole(L"A", 0.0, 0.0, {{L"A", 0.0, -150.0}})},
-                                  {"B", testing::MakeHole(L"B", 5.0, 0.0, {{L"A", 0.0, -160.0}})}})},
+      {"deep holes",
+       testing::CorrelatedSection(
+           "deep", {{"A", testing::MakeHole(L"A", 0.0, 0.0, {{L"A", 0.0, -150.0}})},
+                    {"B", testing::MakeHole(L"B", 5.0, 0.0, {{L"A", 0.0, -160.0}})}})},
       {"non-finite input", broken},
       {"empty", Section{}}};
   for (const auto& [what, section] : cases) {
@@ -141,7 +142,8 @@ TEST(ComposeSheet, AwkwardInputStaysOnTheSheet) {
       for (std::size_t j = i + 1; j < names.size(); ++j) {
         const Text& a = *names[i];
         const Text& b = *names[j];
-        const double gap = 0.5 * (TextWidth(a.text, a.size, true) + TextWidth(b.text, b.size, true));
+        const double gap =
+            0.5 * (TextWidth(a.text, a.size, true) + TextWidth(b.text, b.size, true));
         EXPECT_TRUE(std::fabs(a.at.x - b.at.x) >= gap || a.at.y <= b.at.y - b.size ||
                     b.at.y <= a.at.y - a.size)
             << a.text << " and " << b.text;

@@ -1,6 +1,6 @@
 #include "Colour.h"
 
-#include "Text.h"
+#include "TextMetrics.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 // the office standard.
 #include "Section.h"
 #include "Sheet.h"
-#include "Text.h"
+#include "TextMetrics.h"
 
 #include <algorithm>
 #include <array>

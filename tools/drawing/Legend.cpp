@@ -1,7 +1,7 @@
 // Reading the legend file that maps stratum codes to colours and descriptions.
 #include "Colour.h"
 #include "Section.h"
-#include "Text.h"
+#include "TextMetrics.h"
 
 #include <cctype>
 #include <fstream>

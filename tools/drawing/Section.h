@@ -19,29 +19,37 @@
 //   const std::string svg = xklink::RenderSvg(section, xklink::Legend{}, xklink::DrawOptions{});
 #pragma once
 
+#include "Alignment.h"
+
 #include <XKLinkDc/XKLinkDc.h>
 #include <cstddef>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace xklink {
 
-// One borehole of the section. `chainage` is its distance along the section from the first hole,
-// in the same units as the plan coordinates; `name` is shown on the sheet (UTF-8).
+// One borehole of the section. `chainage` is its distance along the section line, `offset` its
+// distance from the line, positive to the right looking along the chainage (both in the units of
+// the plan coordinates); `name` is shown on the sheet (UTF-8).
 struct SectionHole {
   std::string name;
   double chainage = 0.0;
   DataType::_sZK zk;
+  double offset = 0.0;
 };
 
 // The correlation of holes[from] (borehole 1 of the calls) with holes[to] (borehole 2): the
-// region tree filled by LinkDc and the lines returned by LinkDcLine.
+// region tree filled by LinkDc and the lines returned by LinkDcLine. A pair `beneath` correlates
+// two holes across the shallower holes between them (see Beneath.h): it is drawn only below the
+// bases of those holes, with dashed boundaries, as what the section infers there.
 struct SectionPair {
   std::size_t from = 0;
   std::size_t to = 0;
+  bool beneath = false;
   DataType::_sLinkRegion root;
   std::vector<DataType::_sLinkLine> lines;
 };
@@ -50,6 +58,9 @@ struct Section {
   std::string title;
   std::vector<SectionHole> holes;
   std::vector<SectionPair> pairs;
+  // The line along which the chainages are measured; without one, the holes' chainages stand as
+  // given and the sheet says nothing of the line.
+  std::optional<drawing::Alignment> alignment;
 };
 
 // How one stratum code is shown: `colour` is "#rrggbb" or an SVG colour name, `label` the
@@ -106,6 +117,13 @@ std::string RenderSvg(const Section& section, const Legend& legend, const DrawOp
 // polyline per section line), GROUND, BOREHOLES, BOREHOLE-LABELS, REGION-LABELS, GRID, AXES,
 // LEGEND and TITLE.
 std::string RenderDxf(const Section& section, const Legend& legend, const DrawOptions& options);
+
+// The laid-out section as JSON, for users who plot it their own way: the line of the section; each
+// hole with its chainage, offset, position, ground level and strata; every filled region as a
+// polygon of [chainage, elevation] points; every section line; and every text of the sheet with its
+// box on the sheet ([left, top, right, bottom], sheet units, y downwards).
+std::string RenderSectionJson(const Section& section, const Legend& legend,
+                              const DrawOptions& options);
 
 // RenderDxf written to `path`; throws DrawingError naming the file when it cannot be written.
 void WriteDxf(const Section& section, const Legend& legend, const DrawOptions& options,

@@ -1,6 +1,9 @@
 #include "SectionGeometry.h"
 
+#include "Beneath.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -44,36 +47,138 @@ std::wstring RegionCode(const Section& section, const SectionPair& pair,
   return any && uniform ? code : std::wstring{};
 }
 
-void CollectLeaves(const Section& section, std::size_t pairIndex,
-                   const DataType::_sLinkRegion& region, std::vector<RegionShape>& out) {
-  const SectionPair& pair = section.pairs[pairIndex];
-  if (IsLeafRegion(region)) {
-    const SectionHole& a = section.holes[pair.from];
-    const SectionHole& b = section.holes[pair.to];
-    const std::array<const CXk3DPoint*, 4> corners = {&region.ptTop[0], &region.ptTop[1],
-                                                      &region.ptBot[1], &region.ptBot[0]};
-    RegionShape shape;
-    bool mapped = true;
-    for (std::size_t i = 0; i < corners.size() && mapped; ++i) {
-      const std::optional<SectionPoint> p = MapToSection(a, b, *corners[i]);
-      mapped = p.has_value();
-      if (p) {
-        shape.corners[i] = *p;
+// The base of the shallow holes of a span below which its direct correlation is drawn: the
+// polyline through their bases, held level out to the two deeper holes that bound the span.
+struct Floor {
+  std::vector<SectionPoint> points; // by chainage
+};
+
+std::vector<Floor> Floors(const Section& section) {
+  std::vector<Floor> floors;
+  for (const SectionPair& pair : section.pairs) {
+    if (!pair.beneath || !IsDrawablePair(section, pair)) {
+      continue;
+    }
+    const double a = section.holes[pair.from].chainage;
+    const double b = section.holes[pair.to].chainage;
+    std::vector<SectionPoint> bases;
+    for (std::size_t i = 0; i < section.holes.size(); ++i) {
+      const SectionHole& hole = section.holes[i];
+      if (i != pair.from && i != pair.to && IsDrawableHole(hole) &&
+          hole.chainage > std::min(a, b) && hole.chainage < std::max(a, b)) {
+        bases.push_back({hole.chainage, HoleBase(hole)});
       }
     }
-    if (mapped) {
-      shape.pair = pairIndex;
-      shape.code = RegionCode(section, pair, region);
-      shape.kind = region.nType;
-      out.push_back(std::move(shape));
+    if (bases.empty()) {
+      continue;
+    }
+    std::sort(bases.begin(), bases.end(),
+              [](const SectionPoint& p, const SectionPoint& q) { return p.s < q.s; });
+    Floor floor;
+    floor.points.push_back({std::min(a, b), bases.front().z});
+    floor.points.insert(floor.points.end(), bases.begin(), bases.end());
+    floor.points.push_back({std::max(a, b), bases.back().z});
+    floors.push_back(std::move(floor));
+  }
+  return floors;
+}
+
+// The part of a polygon where a*s + b*z + c >= 0 (Sutherland-Hodgman against one half-plane).
+std::vector<SectionPoint> ClipHalfPlane(const std::vector<SectionPoint>& polygon, double a,
+                                        double b, double c) {
+  std::vector<SectionPoint> out;
+  for (std::size_t i = 0; i < polygon.size(); ++i) {
+    const SectionPoint& p = polygon[i];
+    const SectionPoint& q = polygon[(i + 1) % polygon.size()];
+    const double fp = a * p.s + b * p.z + c;
+    const double fq = a * q.s + b * q.z + c;
+    if (fp >= 0.0) {
+      out.push_back(p);
+    }
+    if ((fp >= 0.0) != (fq >= 0.0)) {
+      const double t = fp / (fp - fq);
+      out.push_back({p.s + (q.s - p.s) * t, p.z + (q.z - p.z) * t});
     }
   }
-  for (const DataType::_sLinkRegion& child : region.vecChild) {
-    CollectLeaves(section, pairIndex, child, out);
+  return out;
+}
+
+// Half-planes of one piece of a floor: right of its start, left of its end, and above (or below)
+// the piece.
+std::array<std::array<double, 3>, 3> PieceHalfPlanes(const SectionPoint& p, const SectionPoint& q,
+                                                     bool above) {
+  const double slope = (q.z - p.z) / (q.s - p.s);
+  const double sign = above ? 1.0 : -1.0;
+  // z - (p.z + slope * (s - p.s)) >= 0 above the piece.
+  return {{{1.0, 0.0, -p.s}, {-1.0, 0.0, q.s}, {-sign * slope, sign, sign * (slope * p.s - p.z)}}};
+}
+
+double Area(const std::vector<SectionPoint>& polygon) {
+  double twice = 0.0;
+  for (std::size_t i = 0; i < polygon.size(); ++i) {
+    const SectionPoint& a = polygon[i];
+    const SectionPoint& b = polygon[(i + 1) % polygon.size()];
+    twice += a.s * b.z - b.s * a.z;
   }
+  return 0.5 * std::fabs(twice);
+}
+
+// The parts of a polygon above (or below) a floor, over the floor's chainages; the polygon as it
+// is outside them.
+std::vector<std::vector<SectionPoint>> CutByFloor(const std::vector<SectionPoint>& polygon,
+                                                  const Floor& floor, bool above) {
+  std::vector<std::vector<SectionPoint>> parts;
+  for (std::size_t i = 0; i + 1 < floor.points.size(); ++i) {
+    const SectionPoint& p = floor.points[i];
+    const SectionPoint& q = floor.points[i + 1];
+    if (!(q.s > p.s)) {
+      continue;
+    }
+    std::vector<SectionPoint> part = polygon;
+    for (const auto& [a, b, c] : PieceHalfPlanes(p, q, above)) {
+      part = ClipHalfPlane(part, a, b, c);
+    }
+    if (part.size() >= 3 && Area(part) > 1e-9) {
+      parts.push_back(std::move(part));
+    }
+  }
+  return parts;
+}
+
+// The floor under which a pair of chainages a..b lies, if any.
+const Floor* FloorOver(const std::vector<Floor>& floors, double a, double b) {
+  const double low = std::min(a, b);
+  const double high = std::max(a, b);
+  for (const Floor& floor : floors) {
+    const double tolerance = 1e-9 * std::max(1.0, std::fabs(high));
+    if (low >= floor.points.front().s - tolerance && high <= floor.points.back().s + tolerance) {
+      return &floor;
+    }
+  }
+  return nullptr;
 }
 
 } // namespace
+
+void ForEachLeafRegion(const DataType::_sLinkRegion& root,
+                       const std::function<void(const DataType::_sLinkRegion&)>& visit) {
+  const auto isLeaf = [](const DataType::_sLinkRegion& region) {
+    return !region.strName.empty() || region.vecChild.empty() ||
+           std::none_of(region.vecChild.begin(), region.vecChild.end(),
+                        [](const DataType::_sLinkRegion& child) { return child.nType == 0; });
+  };
+  std::vector<const DataType::_sLinkRegion*> stack{&root};
+  while (!stack.empty()) {
+    const DataType::_sLinkRegion* next = stack.back();
+    stack.pop_back();
+    if (isLeaf(*next)) {
+      visit(*next);
+    }
+    for (auto it = next->vecChild.rbegin(); it != next->vecChild.rend(); ++it) {
+      stack.push_back(&*it);
+    }
+  }
+}
 
 std::optional<SectionPoint> MapToSection(const SectionHole& a, const SectionHole& b,
                                          const CXk3DPoint& p) {
@@ -93,14 +198,6 @@ std::optional<SectionPoint> MapToSection(const SectionHole& a, const SectionHole
   return SectionPoint{s, p.z};
 }
 
-bool IsLeafRegion(const DataType::_sLinkRegion& region) {
-  if (!region.strName.empty() || region.vecChild.empty()) {
-    return true;
-  }
-  return std::none_of(region.vecChild.begin(), region.vecChild.end(),
-                      [](const DataType::_sLinkRegion& child) { return child.nType == 0; });
-}
-
 bool IsDrawableHole(const SectionHole& hole) {
   return std::isfinite(hole.chainage) && std::isfinite(hole.zk.dTopGC);
 }
@@ -112,16 +209,49 @@ bool IsDrawablePair(const Section& section, const SectionPair& pair) {
 }
 
 std::vector<RegionShape> CollectRegionShapes(const Section& section) {
+  const std::vector<Floor> floors = Floors(section);
   std::vector<RegionShape> shapes;
   for (std::size_t i = 0; i < section.pairs.size(); ++i) {
-    if (IsDrawablePair(section, section.pairs[i])) {
-      CollectLeaves(section, i, section.pairs[i].root, shapes);
+    const SectionPair& pair = section.pairs[i];
+    if (!IsDrawablePair(section, pair)) {
+      continue;
     }
+    const SectionHole& a = section.holes[pair.from];
+    const SectionHole& b = section.holes[pair.to];
+    const Floor* floor = FloorOver(floors, a.chainage, b.chainage);
+    if (pair.beneath && floor == nullptr) {
+      continue;
+    }
+    ForEachLeafRegion(pair.root, [&](const DataType::_sLinkRegion& region) {
+      RegionShape shape;
+      for (const CXk3DPoint* corner :
+           {&region.ptTop[0], &region.ptTop[1], &region.ptBot[1], &region.ptBot[0]}) {
+        const std::optional<SectionPoint> p = MapToSection(a, b, *corner);
+        if (!p) {
+          return;
+        }
+        shape.polygon.push_back(*p);
+      }
+      shape.pair = i;
+      shape.code = RegionCode(section, pair, region);
+      shape.kind = region.nType;
+      shape.beneath = pair.beneath;
+      if (floor == nullptr) {
+        shapes.push_back(std::move(shape));
+        return;
+      }
+      for (std::vector<SectionPoint>& part : CutByFloor(shape.polygon, *floor, !pair.beneath)) {
+        RegionShape piece = shape;
+        piece.polygon = std::move(part);
+        shapes.push_back(std::move(piece));
+      }
+    });
   }
   return shapes;
 }
 
 std::vector<LineShape> CollectLineShapes(const Section& section) {
+  const std::vector<Floor> floors = Floors(section);
   std::vector<LineShape> shapes;
   for (std::size_t i = 0; i < section.pairs.size(); ++i) {
     const SectionPair& pair = section.pairs[i];
@@ -130,11 +260,38 @@ std::vector<LineShape> CollectLineShapes(const Section& section) {
     }
     const SectionHole& a = section.holes[pair.from];
     const SectionHole& b = section.holes[pair.to];
+    const Floor* floor = FloorOver(floors, a.chainage, b.chainage);
+    if (pair.beneath && floor == nullptr) {
+      continue;
+    }
     for (const DataType::_sLinkLine& line : pair.lines) {
       const std::optional<SectionPoint> from = MapToSection(a, b, line.pt1);
       const std::optional<SectionPoint> to = MapToSection(a, b, line.pt2);
-      if (from && to) {
-        shapes.push_back({i, *from, *to, line.strUpName, line.strDownName});
+      if (!from || !to) {
+        continue;
+      }
+      const LineShape shape{i, *from, *to, line.strUpName, line.strDownName, pair.beneath};
+      if (floor == nullptr) {
+        shapes.push_back(shape);
+        continue;
+      }
+      // A segment is a polygon of two points: the clip keeps its part on the wanted side.
+      for (std::size_t k = 0; k + 1 < floor->points.size(); ++k) {
+        const SectionPoint& p = floor->points[k];
+        const SectionPoint& q = floor->points[k + 1];
+        if (!(q.s > p.s)) {
+          continue;
+        }
+        std::vector<SectionPoint> part{*from, *to};
+        for (const auto& [fa, fb, fc] : PieceHalfPlanes(p, q, !pair.beneath)) {
+          part = ClipHalfPlane(part, fa, fb, fc);
+        }
+        if (part.size() >= 2 && (part[0].s != part[1].s || part[0].z != part[1].z)) {
+          LineShape piece = shape;
+          piece.from = part[0];
+          piece.to = part[1];
+          shapes.push_back(std::move(piece));
+        }
       }
     }
   }
@@ -171,7 +328,7 @@ Extent SectionExtent(const Section& section, const std::vector<RegionShape>& reg
     }
   }
   for (const RegionShape& region : regions) {
-    for (const SectionPoint& p : region.corners) {
+    for (const SectionPoint& p : region.polygon) {
       extent.Add(p.s, p.z);
     }
   }

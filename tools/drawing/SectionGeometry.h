@@ -4,8 +4,8 @@
 
 #include "Section.h"
 
-#include <array>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,11 +26,14 @@ struct SectionPoint {
 std::optional<SectionPoint> MapToSection(const SectionHole& a, const SectionHole& b,
                                          const CXk3DPoint& p);
 
-// The leaf test of the section lines: a region with a name, without children, or whose children
-// all come from closing (kind not 0). Drawing the same regions keeps fills and lines in step.
-bool IsLeafRegion(const DataType::_sLinkRegion& region);
+// Calls visit(leaf) for every region of the tree whose boundaries the section lines draw, in
+// pre-order (a region before its children, so lenses come after their host), without recursion:
+// trees of long logs nest deeply. The fills are the regions the lines bound, so that the two stay
+// in step: a region with a name, without children, or whose children all come from closing.
+void ForEachLeafRegion(const DataType::_sLinkRegion& root,
+                       const std::function<void(const DataType::_sLinkRegion&)>& visit);
 
-// One leaf region to fill.
+// One leaf region to fill, or the part of one that a shallow hole leaves to it (see Beneath.h).
 struct RegionShape {
   std::size_t pair = 0;
   // The region's name or, for an unnamed leaf (only the root can be one), the single code of all
@@ -38,13 +41,16 @@ struct RegionShape {
   // correlation then says nothing about what lies between the holes.
   std::wstring code;
   int kind = 0;
-  // ptTop[0], ptTop[1], ptBot[1], ptBot[0]: a quadrilateral, a triangle for wedges and lenses.
-  std::array<SectionPoint, 4> corners;
+  bool beneath = false; // inferred below shallow holes: drawn with dashed boundaries
+  // ptTop[0], ptTop[1], ptBot[1], ptBot[0] (a triangle for wedges and lenses), cut where a
+  // shallow hole's base passes through it.
+  std::vector<SectionPoint> polygon;
 };
 
-// The leaf regions of every pair in pre-order (a region before its children, so lenses come after
-// their host), pairs in the order of the section. Pairs whose hole indices are out of range or
-// equal, and regions with a corner that does not map, are left out.
+// The leaf regions of every pair in pre-order, pairs in the order of the section. Pairs whose hole
+// indices are out of range or equal, regions with a corner that does not map, and the parts of
+// regions that the shallow holes give to the other side of their bases (see Beneath.h) are left
+// out.
 std::vector<RegionShape> CollectRegionShapes(const Section& section);
 
 // One section line in the section plane.
@@ -54,9 +60,11 @@ struct LineShape {
   SectionPoint to;
   std::wstring upName;
   std::wstring downName;
+  bool beneath = false;
 };
 
-// The lines of every pair, in order; lines with an end that does not map are left out.
+// The lines of every pair, in order, cut at the bases of shallow holes as the regions are; lines
+// with an end that does not map are left out.
 std::vector<LineShape> CollectLineShapes(const Section& section);
 
 // Whether a pair can be drawn: both indices name holes, different ones, at finite chainages.

@@ -41,6 +41,18 @@ struct Path {
   std::optional<Rgb> fill;
   std::optional<Rgb> stroke;
   double strokeWidth = 1.0;
+  bool dashed = false; // what the section infers rather than what the logs show
+};
+
+// A box on the sheet, y downwards.
+struct Box {
+  double left = 0.0;
+  double top = 0.0;
+  double right = 0.0;
+  double bottom = 0.0;
+  bool Overlaps(const Box& o) const {
+    return left < o.right && o.left < right && top < o.bottom && o.top < bottom;
+  }
 };
 
 enum class Anchor { Start, Middle, End };
@@ -79,5 +91,8 @@ Sheet ComposeSheet(const Section& section, const Legend& legend, const DrawOptio
 
 // A generous estimate of the width of a text in DejaVu Sans / Helvetica, for the layout.
 double TextWidth(std::string_view utf8, double size, bool bold);
+
+// The box a text covers on the sheet (see SheetCanvas.h).
+Box TextBox(const Text& text);
 
 } // namespace xklink::drawing

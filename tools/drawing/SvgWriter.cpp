@@ -2,7 +2,7 @@
 // every viewer, browser and word processor shows the same figure.
 #include "Section.h"
 #include "Sheet.h"
-#include "Text.h"
+#include "TextMetrics.h"
 
 #include <cmath>
 #include <string>
@@ -83,6 +83,9 @@ void WritePath(std::string& out, const Path& path) {
   if (path.stroke && std::isfinite(path.strokeWidth)) {
     out += " stroke=\"" + drawing::ToHex(*path.stroke) + "\" stroke-width=\"" +
            Num(path.strokeWidth) + "\" stroke-linejoin=\"round\"";
+    if (path.dashed) {
+      out += " stroke-dasharray=\"6 4\"";
+    }
   }
   if (path.layer == Layer::Strata && !path.code.empty()) {
     // The code as the shape's own title: a viewer shows it when the pointer rests on the region.

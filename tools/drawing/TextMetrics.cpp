@@ -1,4 +1,4 @@
-#include "Text.h"
+#include "TextMetrics.h"
 
 #include <array>
 #include <charconv>

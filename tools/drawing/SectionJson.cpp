@@ -1,0 +1,107 @@
+// The laid-out section as JSON. Every number is in metres (chainage, offset, elevations, the plan
+// positions) except the label boxes, which are in the units of the sheet.
+#include "Section.h"
+#include "SectionGeometry.h"
+#include "Sheet.h"
+#include "TextMetrics.h"
+
+#include <nlohmann/json.hpp>
+
+namespace xklink {
+
+namespace {
+
+using nlohmann::json;
+
+const char* KindName(drawing::AlignmentKind kind) {
+  switch (kind) {
+  case drawing::AlignmentKind::Given:
+    return "given";
+  case drawing::AlignmentKind::BestFit:
+    return "best-fit";
+  case drawing::AlignmentKind::Fence:
+    return "fence";
+  }
+  return "given";
+}
+
+json Point(const drawing::SectionPoint& p) {
+  return json::array({p.s, p.z});
+}
+
+// JSON has no infinity nor NaN: a value that is not finite is written as null.
+json Number(double value) {
+  return std::isfinite(value) ? json(value) : json(nullptr);
+}
+
+} // namespace
+
+std::string RenderSectionJson(const Section& section, const Legend& legend,
+                              const DrawOptions& options) {
+  const drawing::Sheet sheet = drawing::ComposeSheet(section, legend, options);
+  json out;
+  out["title"] = sheet.title;
+  out["exaggeration"] = sheet.exaggeration;
+  if (section.alignment) {
+    json vertices = json::array();
+    for (const drawing::PlanPoint& v : section.alignment->Vertices()) {
+      vertices.push_back(json::array({v.e, v.n}));
+    }
+    out["alignment"] = {{"kind", KindName(section.alignment->Kind())},
+                        {"vertices", vertices},
+                        {"length", section.alignment->Length()}};
+  }
+  json holes = json::array();
+  for (const SectionHole& hole : section.holes) {
+    json strata = json::array();
+    for (const DataType::_sZKDC& s : hole.zk.vecDC) {
+      strata.push_back({{"code", drawing::WideToUtf8(s.strName)},
+                        {"top", Number(s.dTopGC)},
+                        {"bottom", Number(s.dBotGC)}});
+    }
+    holes.push_back({{"name", drawing::SanitizeUtf8(hole.name)},
+                     {"chainage", Number(hole.chainage)},
+                     {"offset", Number(hole.offset)},
+                     {"easting", Number(hole.zk.dX)},
+                     {"northing", Number(hole.zk.dY)},
+                     {"ground_level", Number(hole.zk.dTopGC)},
+                     {"strata", strata}});
+  }
+  out["holes"] = holes;
+  json regions = json::array();
+  for (const drawing::RegionShape& r : drawing::CollectRegionShapes(section)) {
+    json polygon = json::array();
+    for (const drawing::SectionPoint& p : r.polygon) {
+      polygon.push_back(Point(p));
+    }
+    const SectionPair& pair = section.pairs[r.pair];
+    regions.push_back({{"code", drawing::WideToUtf8(r.code)},
+                       {"kind", r.kind},
+                       {"holes", json::array({pair.from, pair.to})},
+                       {"inferred", r.beneath},
+                       {"polygon", polygon}});
+  }
+  out["regions"] = regions;
+  json lines = json::array();
+  for (const drawing::LineShape& l : drawing::CollectLineShapes(section)) {
+    lines.push_back({{"from", Point(l.from)},
+                     {"to", Point(l.to)},
+                     {"above", drawing::WideToUtf8(l.upName)},
+                     {"below", drawing::WideToUtf8(l.downName)},
+                     {"inferred", l.beneath}});
+  }
+  out["lines"] = lines;
+  json labels = json::array();
+  for (const drawing::Item& item : sheet.items) {
+    if (const auto* text = std::get_if<drawing::Text>(&item)) {
+      const drawing::Box box = drawing::TextBox(*text);
+      labels.push_back(
+          {{"text", text->text}, {"box", json::array({box.left, box.top, box.right, box.bottom})}});
+    }
+  }
+  out["labels"] = labels;
+  out["sheet"] = {{"width", sheet.width}, {"height", sheet.height}};
+  return out.dump(1) + "\n";
+}
+
+} // namespace xklink
