@@ -18,38 +18,35 @@ double HoleBase(const SectionHole& hole) {
   return base;
 }
 
+bool IsShallowBeside(const SectionHole& hole, const SectionHole& deeper) {
+  const double depth = deeper.zk.dTopGC - HoleBase(deeper);
+  return HoleBase(hole) > HoleBase(deeper) + std::max(kShallowerBy, kReachFraction * depth);
+}
+
 std::vector<BeneathSpan> SpansBeneathShallowHoles(const std::vector<SectionHole>& holes) {
-  std::vector<double> base;
-  for (const SectionHole& hole : holes) {
-    base.push_back(HoleBase(hole));
-  }
   std::vector<BeneathSpan> spans;
   std::size_t from = 0;
   while (from + 2 < holes.size()) {
-    // The run after `from` grows while its holes are shallower than `from`; the first hole deeper
-    // than every hole of the run closes it.
-    double runDeepest = 0.0;
-    bool run = false;
+    // The run after `from`: the holes shallow beside it. The first hole that is not closes it, and
+    // bounds a span when the run is shallow beside it too.
     std::size_t next = from + 1;
-    for (; next < holes.size(); ++next) {
-      const bool shallowerThanFrom = base[next] > base[from] + kShallowerBy;
-      if (run && base[next] < runDeepest - kShallowerBy) {
-        break; // deeper than the whole run: it bounds it on the right
-      }
-      if (!shallowerThanFrom) {
-        break;
-      }
-      runDeepest = run ? std::min(runDeepest, base[next]) : base[next];
-      run = true;
+    while (next < holes.size() && IsShallowBeside(holes[next], holes[from])) {
+      ++next;
     }
-    if (!run || next == holes.size()) {
-      ++from; // nothing shallow here, or no deeper hole closes the run
+    if (next == from + 1 || next == holes.size()) {
+      ++from;
       continue;
     }
-    if (base[next] < runDeepest - kShallowerBy) {
-      spans.push_back({from, next});
+    bool shallow = true;
+    for (std::size_t k = from + 1; k < next && shallow; ++k) {
+      shallow = IsShallowBeside(holes[k], holes[next]);
     }
-    from = next;
+    if (shallow) {
+      spans.push_back({from, next});
+      from = next;
+    } else {
+      ++from;
+    }
   }
   return spans;
 }

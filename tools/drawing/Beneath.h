@@ -21,14 +21,22 @@ struct BeneathSpan {
   std::size_t to = 0;
 };
 
-// The spans of holes ordered by chainage: each run of consecutive holes whose bases stand more than
-// kShallowerBy above the bases of the holes that bound the run. The spans do not overlap; a run
-// with no deeper hole on one side (at an end of the section) has no span.
+// Whether `hole` is shallow beside `deeper`: its base stands above deeper's base by more than
+// kShallowerBy and by more than kReachFraction of deeper's depth, so that it stops short of the
+// lower half of the deeper log. Two boreholes of 35 and 30 m are both deep; a 0.6 m pit or a 6 m
+// window sample beside a 25 m borehole is shallow.
+bool IsShallowBeside(const SectionHole& hole, const SectionHole& deeper);
+
+// The spans of holes ordered by chainage: each run of consecutive holes that are shallow beside
+// both holes that bound the run. The spans do not overlap; a run with no deeper hole on one side
+// (at an end of the section) has no span.
 std::vector<BeneathSpan> SpansBeneathShallowHoles(const std::vector<SectionHole>& holes);
 
-// 0.5 m: a hole ending a few decimetres above its neighbours has met the same ground; below that
-// the pair correlation and the direct one barely differ, and a direct correlation costs a pair.
+// 0.5 m: a hole ending a few decimetres above its neighbours has met the same ground.
 inline constexpr double kShallowerBy = 0.5;
+// A half: a hole that reaches into the lower half of its neighbour's log has seen most of what the
+// neighbour has; one that stops above it leaves the deeper units to the neighbours.
+inline constexpr double kReachFraction = 0.5;
 
 // The deepest elevation a hole reaches: its lowest stratum bottom, or its collar without strata.
 double HoleBase(const SectionHole& hole);

@@ -135,6 +135,8 @@ void DrawColumnCodes(Canvas& canvas, const Section& section, const std::vector<s
         continue;
       }
       canvas.AddText(std::move(t));
+      // Room on either side, so that no region label lands right beside the code and repeats it.
+      canvas.Take({box.left - 24.0, box.top - 4.0, box.right + 24.0, box.bottom + 4.0});
     }
   }
 }
