@@ -125,7 +125,13 @@ Section BuildSection(const Options& options, bool& depthBelowGround,
   for (const SectionHole& hole : section.holes) {
     zks.push_back(hole.zk);
   }
-  std::vector<PairResult> results = CorrelatePairs(zks, pairs, options.jobs, true);
+  std::vector<PairResult> results(pairs.size());
+  ForEachPair(pairs.size(), options.jobs,
+              [&](XKLinkDc::CorrelationContext& context, std::size_t i) {
+                results[i] = {};
+                context.LinkDcTreeAndLines(zks[pairs[i].first], zks[pairs[i].second],
+                                           results[i].root, results[i].lines);
+              });
   for (std::size_t i = 0; i < results.size(); ++i) {
     SectionPair pair;
     pair.from = pairs[i].first;
@@ -161,10 +167,22 @@ void AddSectionCommand(CLI::App& app) {
       ->add_option("--buffer", options->buffer,
                    "Take the holes within this many metres of the line (default: every hole)")
       ->check(CLI::NonNegativeNumber);
+  // The bounds the drawing holds to: beyond them a section is squashed into a line or its
+  // coordinates overflow. A value outside is refused rather than quietly drawn as another.
   command
       ->add_option("--exaggeration", options->exaggeration,
-                   "Vertical exaggeration (default: chosen so the section is legible)")
-      ->check(CLI::NonNegativeNumber);
+                   "Vertical exaggeration, 0.01 to 1000 (default 0: chosen so the section is "
+                   "legible)")
+      ->check(CLI::Validator(
+          [](std::string& text) {
+            double value = 0.0;
+            if (CLI::detail::lexical_cast(text, value) &&
+                (value == 0.0 || (value >= 0.01 && value <= 1000.0))) {
+              return std::string();
+            }
+            return "must be from 0.01 to 1000, or 0 to have it chosen; not " + text;
+          },
+          "0.01..1000"));
   command->add_option("--legend", options->legend,
                       "CSV of code,colour,label lines giving the colours and descriptions");
   command->add_option("--title", options->title, "Title of the sheet");
@@ -177,6 +195,8 @@ void AddSectionCommand(CLI::App& app) {
                   "  xklink section site.ags --line 427700,431150,430450,431800 --buffer 50 "
                   "-o a-a.json");
   command->callback([options] {
+    RequireOutputIsNotAnInput(options->output, {options->input.file, options->input.collars,
+                                                options->legend, options->lineFile});
     const std::string extension = LowerExtension(options->output);
     if (extension != ".svg" && extension != ".dxf" && extension != ".json") {
       throw UsageError("--output: the drawing must be named .svg, .dxf or .json, not '" +
