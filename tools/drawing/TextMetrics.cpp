@@ -1,5 +1,7 @@
 #include "TextMetrics.h"
 
+#include "Text.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -12,126 +14,48 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
+// The one UTF-8 conversion of the tools (tools/io/Text.h) for a single code point.
 void AppendUtf8(std::string& out, char32_t c) {
-  if (c >= 0xD800 && c <= 0xDFFF) {
-    c = kReplacement;
-  }
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c <= 0x10FFFF) {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    AppendUtf8(out, kReplacement);
-  }
-}
-
-// Decodes the code point at `pos` and advances past it; a malformed sequence (overlong, surrogate,
-// beyond U+10FFFF, truncated) yields nothing and advances by one byte, so that the caller can
-// replace it and resynchronise on the next byte.
-std::optional<char32_t> DecodeUtf8(std::string_view text, std::size_t& pos) {
-  const auto lead = static_cast<unsigned char>(text[pos]);
-  std::size_t length = 0;
-  char32_t c = 0;
-  char32_t minimum = 0;
-  if (lead < 0x80) {
-    ++pos;
-    return lead;
-  }
-  if ((lead & 0xE0) == 0xC0) {
-    length = 2;
-    c = lead & 0x1Fu;
-    minimum = 0x80;
-  } else if ((lead & 0xF0) == 0xE0) {
-    length = 3;
-    c = lead & 0x0Fu;
-    minimum = 0x800;
-  } else if ((lead & 0xF8) == 0xF0) {
-    length = 4;
-    c = lead & 0x07u;
-    minimum = 0x10000;
-  } else {
-    ++pos;
-    return std::nullopt;
-  }
-  if (pos + length > text.size()) {
-    ++pos;
-    return std::nullopt;
-  }
-  for (std::size_t i = 1; i < length; ++i) {
-    const auto next = static_cast<unsigned char>(text[pos + i]);
-    if ((next & 0xC0) != 0x80) {
-      ++pos;
-      return std::nullopt;
-    }
-    c = (c << 6) | (next & 0x3Fu);
-  }
-  if (c < minimum || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) {
-    ++pos;
-    return std::nullopt;
-  }
-  pos += length;
-  return c;
+  out += ToUtf8(std::wstring(1, static_cast<wchar_t>(c)));
 }
 
 // Calls `emit` with each code point of a UTF-8 text, U+FFFD for each malformed byte.
 template <typename Emit> void ForEachCodePoint(std::string_view text, Emit emit) {
-  std::size_t pos = 0;
-  while (pos < text.size()) {
-    emit(DecodeUtf8(text, pos).value_or(kReplacement));
+  std::string valid;
+  valid.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t bad = FindInvalidUtf8(text).value_or(text.size());
+    valid.append(text.substr(0, bad));
+    if (bad < text.size()) {
+      valid += "\xEF\xBF\xBD";
+      text.remove_prefix(bad + 1);
+    } else {
+      text = {};
+    }
+  }
+  const std::wstring wide = FromUtf8(valid, SourceRef{});
+  for (std::size_t i = 0; i < wide.size(); ++i) {
+    auto c = static_cast<char32_t>(wide[i]);
+    if constexpr (sizeof(wchar_t) == 2) {
+      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < wide.size()) {
+        c = 0x10000 + ((c - 0xD800) << 10) + (static_cast<char32_t>(wide[++i]) - 0xDC00);
+      }
+    }
+    emit(c);
   }
 }
 
 } // namespace
 
 std::string WideToUtf8(std::wstring_view text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    auto c = static_cast<char32_t>(text[i]);
-    if constexpr (sizeof(wchar_t) == 2) {
-      // UTF-16: join a surrogate pair; a lone surrogate becomes U+FFFD in AppendUtf8.
-      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size()) {
-        const auto low = static_cast<char32_t>(text[i + 1]);
-        if (low >= 0xDC00 && low <= 0xDFFF) {
-          c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
-          ++i;
-        }
-      }
-    }
-    AppendUtf8(out, c);
-  }
-  return out;
+  return ToUtf8(std::wstring(text));
 }
 
 std::optional<std::wstring> Utf8ToWide(std::string_view text) {
-  std::wstring out;
-  std::size_t pos = 0;
-  while (pos < text.size()) {
-    const std::optional<char32_t> c = DecodeUtf8(text, pos);
-    if (!c) {
-      return std::nullopt;
-    }
-    if constexpr (sizeof(wchar_t) == 2) {
-      if (*c >= 0x10000) {
-        const char32_t v = *c - 0x10000;
-        out += static_cast<wchar_t>(0xD800 + (v >> 10));
-        out += static_cast<wchar_t>(0xDC00 + (v & 0x3FF));
-        continue;
-      }
-    }
-    out += static_cast<wchar_t>(*c);
+  if (FindInvalidUtf8(text)) {
+    return std::nullopt;
   }
-  return out;
+  return FromUtf8(text, SourceRef{});
 }
 
 std::string SanitizeUtf8(std::string_view text) {

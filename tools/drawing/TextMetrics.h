@@ -1,4 +1,4 @@
-// Text conversions of the drawing: stratum codes are wide strings, the sheets are UTF-8 (SVG) or
+// Text conversions of the drawing, on top of the tools' one UTF-8 conversion (tools/io/Text.h): stratum codes are wide strings, the sheets are UTF-8 (SVG) or
 // ASCII with \U+XXXX escapes (DXF R2000, whose strings are in the drawing's code page).
 #pragma once
 
