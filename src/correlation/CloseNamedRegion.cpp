@@ -38,11 +38,9 @@ void AppendLenses(const Correlator& correlator, const _sLinkRegion& region, int3
 } // namespace
 
 void CloseNamedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out) {
-  std::vector<StratumRun>& runs1 = correlator.runs.side1;
-  std::vector<StratumRun>& runs2 = correlator.runs.side2;
-  BuildFusedRuns(correlator, region, true, runs1);
-  BuildFusedRuns(correlator, region, false, runs2);
-  ReserveMore(out, runs1.size() + runs2.size());
+  BuildFusedRunsOfBothSides(correlator, region, out);
+  const std::vector<StratumRun>& runs1 = correlator.runs.side1;
+  const std::vector<StratumRun>& runs2 = correlator.runs.side2;
   const int32_t regionCode = correlator.Codes().IdOf(region.strName);
   AppendLenses(correlator, region, regionCode, runs1, true, out);
   AppendLenses(correlator, region, regionCode, runs2, false, out);

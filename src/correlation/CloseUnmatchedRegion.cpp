@@ -32,11 +32,9 @@ void FillWedge(const Correlator& correlator, const _sLinkRegion& region, const S
 } // namespace
 
 void CloseUnmatchedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out) {
-  std::vector<StratumRun>& runs1 = correlator.runs.side1;
-  std::vector<StratumRun>& runs2 = correlator.runs.side2;
-  BuildFusedRuns(correlator, region, true, runs1);
-  BuildFusedRuns(correlator, region, false, runs2);
-  ReserveMore(out, runs1.size() + runs2.size());
+  BuildFusedRunsOfBothSides(correlator, region, out);
+  const std::vector<StratumRun>& runs1 = correlator.runs.side1;
+  const std::vector<StratumRun>& runs2 = correlator.runs.side2;
   // Without a common stratum there is no evidence of which bed lies above which between the holes;
   // the ordinal order of the codes decides, so that a coding scheme numbered from the top down
   // (01, 02, ...) stacks the wedges in its own order. Code ids follow that order.

@@ -69,16 +69,8 @@ void SettleCrossings(std::vector<StratumPair>& pairs, std::vector<StratumPair*>&
     }
     candidates.push_back(&fallen);
   }
-  // By key, list order kept among equal keys: each candidate goes in behind every one before it
-  // whose key is not greater (a key that is not a number stays where it comes).
-  for (std::size_t k = 1; k < candidates.size(); ++k) {
-    StratumPair* moving = candidates[k];
-    std::size_t at = k;
-    for (; at > 0 && moving->key < candidates[at - 1]->key; --at) {
-      candidates[at] = candidates[at - 1];
-    }
-    candidates[at] = moving;
-  }
+  // By key, list order kept among equal keys; each taken up unless it crosses one taken up before.
+  SortCandidatesByKey(candidates);
   for (std::size_t k = 0; k < candidates.size(); ++k) {
     const auto takenUp = [&](StratumPair* earlier) {
       return !earlier->dropped && Crosses(*candidates[k], *earlier);

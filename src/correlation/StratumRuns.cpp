@@ -134,4 +134,11 @@ void BuildFusedRuns(Correlator& correlator, const _sLinkRegion& region, bool sid
   }
 }
 
+void BuildFusedRunsOfBothSides(Correlator& correlator, const _sLinkRegion& region,
+                               RegionList& out) {
+  BuildFusedRuns(correlator, region, true, correlator.runs.side1);
+  BuildFusedRuns(correlator, region, false, correlator.runs.side2);
+  ReserveMore(out, correlator.runs.side1.size() + correlator.runs.side2.size());
+}
+
 } // namespace xkl

@@ -1,4 +1,6 @@
 // The input records: a stratum interval and a borehole.
+#include "records/MoveAssign.h"
+
 #include <XKLinkDc/XKLinkDc.h>
 
 #include <utility>
@@ -10,54 +12,17 @@ _sZKDC::_sZKDC(const _sZKDC& src) = default;
 _sZKDC::_sZKDC(_sZKDC&& src) noexcept = default;
 _sZKDC::~_sZKDC() = default;
 
-_sZKDC& _sZKDC::operator=(const _sZKDC& src) {
-  if (this != &src) {
-    strName = src.strName;
-    dTopGC = src.dTopGC;
-    dBotGC = src.dBotGC;
-    dAux = src.dAux;
-    bAux = src.bAux;
-  }
-  return *this;
-}
-
-_sZKDC& _sZKDC::operator=(_sZKDC&& src) noexcept {
-  if (this != &src) {
-    strName = std::move(src.strName);
-    dTopGC = src.dTopGC;
-    dBotGC = src.dBotGC;
-    dAux = src.dAux;
-    bAux = src.bAux;
-  }
-  return *this;
-}
+// Member by member; a record assigned to itself stays as it is.
+_sZKDC& _sZKDC::operator=(const _sZKDC& src) = default;
+_sZKDC& _sZKDC::operator=(_sZKDC&& src) noexcept { return xkl::MoveAssign(*this, std::move(src)); }
 
 _sZK::_sZK() : dTopGC(0.0), dX(0.0), dY(0.0) {}
 _sZK::_sZK(const _sZK& src) = default;
 _sZK::_sZK(_sZK&& src) noexcept = default;
 _sZK::~_sZK() = default;
 
-_sZK& _sZK::operator=(const _sZK& src) {
-  if (this != &src) {
-    strName = src.strName;
-    dTopGC = src.dTopGC;
-    dX = src.dX;
-    dY = src.dY;
-    vecDC = src.vecDC;
-  }
-  return *this;
-}
-
-_sZK& _sZK::operator=(_sZK&& src) noexcept {
-  if (this != &src) {
-    strName = std::move(src.strName);
-    dTopGC = src.dTopGC;
-    dX = src.dX;
-    dY = src.dY;
-    vecDC = std::move(src.vecDC);
-  }
-  return *this;
-}
+_sZK& _sZK::operator=(const _sZK& src) = default;
+_sZK& _sZK::operator=(_sZK&& src) noexcept { return xkl::MoveAssign(*this, std::move(src)); }
 
 // The collar is the starting value on purpose: a log whose strata all lie above the collar (an
 // error in the host's data) still reports the collar as its lowest point. The test is "not

@@ -1,5 +1,6 @@
 // The output records: a region of the correlation tree and a section line.
 #include "records/CompareDouble.h"
+#include "records/MoveAssign.h"
 
 #include <XKLinkDc/XKLinkDc.h>
 
@@ -124,28 +125,9 @@ _sLinkLine::_sLinkLine(const _sLinkLine& src) = default;
 _sLinkLine::_sLinkLine(_sLinkLine&& src) noexcept = default;
 _sLinkLine::~_sLinkLine() = default;
 
-_sLinkLine& _sLinkLine::operator=(const _sLinkLine& src) {
-  if (this != &src) {
-    pt1 = src.pt1;
-    pt2 = src.pt2;
-    nType = src.nType;
-    bBottom = src.bBottom;
-    strUpName = src.strUpName;
-    strDownName = src.strDownName;
-  }
-  return *this;
-}
-
+_sLinkLine& _sLinkLine::operator=(const _sLinkLine& src) = default;
 _sLinkLine& _sLinkLine::operator=(_sLinkLine&& src) noexcept {
-  if (this != &src) {
-    pt1 = src.pt1;
-    pt2 = src.pt2;
-    nType = src.nType;
-    bBottom = src.bBottom;
-    strUpName = std::move(src.strUpName);
-    strDownName = std::move(src.strDownName);
-  }
-  return *this;
+  return xkl::MoveAssign(*this, std::move(src));
 }
 
 // Ends are compared as they stand, borehole 1's end with borehole 1's end: a line and its reverse

@@ -349,22 +349,23 @@ void MakeGapRegions(const State& s, const _sLinkRegion& r,
   const _sLinkRegion& first = children[0];
   const _sLinkRegion& last = children[n - 1];
 
-  _sLinkRegion gap; // working record, reused
+  // Each gap is a fresh record of kind 0 carrying the region's name and flag, its four indices and
+  // the corners of the boundaries above and below it, copied whole.
   auto append = [&](int32_t b1, int32_t e1, int32_t b2, int32_t e2, const CXk3DPoint* top,
                     const CXk3DPoint* bot) {
-    gap.nType = 0;
-    gap.vecChild.clear();
-    gap.bNamed = r.bNamed;
-    gap.strName = r.strName;
-    gap.nBegin1 = b1;
-    gap.nEnd1 = e1;
-    gap.nBegin2 = b2;
-    gap.nEnd2 = e2;
-    gap.ptTop[0] = top[0];
-    gap.ptTop[1] = top[1];
-    gap.ptBot[0] = bot[0];
-    gap.ptBot[1] = bot[1];
-    gaps.push_back(gap);
+    gaps.emplace_back();
+    _sLinkRegion& made = gaps.back();
+    made.bNamed = r.bNamed;
+    made.strName = r.strName;
+    const int32_t bounds[4] = {b1, e1, b2, e2};
+    int32_t* fields[4] = {&made.nBegin1, &made.nEnd1, &made.nBegin2, &made.nEnd2};
+    for (int k = 0; k < 4; ++k) {
+      *fields[k] = bounds[k];
+    }
+    for (int side = 0; side < 2; ++side) {
+      made.ptTop[side] = top[side];
+      made.ptBot[side] = bot[side];
+    }
   };
 
   // 1. Adjusted top indices: a named region's own leading stratum is left out.
@@ -642,13 +643,13 @@ int32_t IntersectSegment(const V& p0, const V& p1, const V& q0, const V& q1, V& 
   const V d2 = Sub(q1, q0);
   const V w = Sub(p0, q0);
   const double cross = d1.x * d2.y - d1.y * d2.x;
-  if (std::fabs(cross) >= 1e-5) {
+  const bool crossing = std::fabs(cross) >= 1e-5;
+  if (crossing) {
+    // s along the first segment, u along the second; both must lie in [0, 1], without tolerance.
     const double s = (w.y * d2.x - d2.y * w.x) / cross;
-    if (s < 0 || s > 1) {
-      return 0;
-    }
     const double u = (d1.x * w.y - d1.y * w.x) / cross;
-    if (u < 0 || u > 1) {
+    const bool outside = s < 0 || s > 1 || u < 0 || u > 1;
+    if (outside) {
       return 0;
     }
     r1 = AddScaled(p0, d1, s);
@@ -684,35 +685,25 @@ int32_t IntersectSegment(const V& p0, const V& p1, const V& q0, const V& q1, V& 
     r1 = q0;
     return 1;
   }
-  const V w2 = Sub(p1, q0);
-  double t0 = 0.0;
-  double t1 = 0.0;
-  if (std::fabs(d2.x) > 1e-5) {
-    t0 = w.x / d2.x;
-    t1 = w2.x / d2.x;
-  } else {
-    t0 = w.y / d2.y;
-    t1 = w2.y / d2.y;
+  // Both proper: P0 and P1 as parameters along Q0-Q1, on x unless Q0-Q1 is vertical.
+  const bool alongX = std::fabs(d2.x) > 1e-5;
+  const double along = alongX ? d2.x : d2.y;
+  double lo = (alongX ? w.x : w.y) / along;
+  double hi = (alongX ? p1.x - q0.x : p1.y - q0.y) / along;
+  if (lo > hi) {
+    std::swap(lo, hi);
   }
-  if (t0 > t1) {
-    std::swap(t0, t1);
-  }
-  if (t0 > 1 || t1 < 0) {
+  if (lo > 1 || hi < 0) {
     return 0;
   }
-  if (t0 < 0) {
-    t0 = 0;
+  lo = std::max(lo, 0.0);
+  hi = std::min(hi, 1.0);
+  r1 = AddScaled(q0, d2, lo);
+  if (!(std::fabs(lo - hi) > 1e-5)) {
+    return 1;
   }
-  if (t1 > 1) {
-    t1 = 1;
-  }
-  if (std::fabs(t0 - t1) > 1e-5) {
-    r1 = AddScaled(q0, d2, t0);
-    r2 = AddScaled(q0, d2, t1);
-    return 2;
-  }
-  r1 = AddScaled(q0, d2, t0);
-  return 1;
+  r2 = AddScaled(q0, d2, hi);
+  return 2;
 }
 
 double PlanDistance(const CXk3DPoint& p, double ox, double oy) {
@@ -962,13 +953,22 @@ void ReferenceMergeSameLines(std::vector<_sLinkLine>& lines) {
 }
 
 bool ReferenceIsLineAbove(const _sLinkLine& a, const _sLinkLine& b) {
-  if (CompareDouble(a.pt1.x, b.pt1.x) == 0 && CompareDouble(a.pt1.y, b.pt1.y) == 0) {
+  // Step 1: the first ends on one plan position decide alone, by a plain comparison.
+  const bool firstEndsTogether =
+      CompareDouble(a.pt1.x, b.pt1.x) == 0 && CompareDouble(a.pt1.y, b.pt1.y) == 0;
+  if (firstEndsTogether) {
     return a.pt1.z > b.pt1.z;
   }
-  if (CompareDouble(a.pt2.x, b.pt2.x) == 0 && CompareDouble(a.pt2.y, b.pt2.y) == 0) {
+  // Step 2: else the second ends, likewise.
+  const bool secondEndsTogether =
+      CompareDouble(a.pt2.x, b.pt2.x) == 0 && CompareDouble(a.pt2.y, b.pt2.y) == 0;
+  if (secondEndsTogether) {
     return a.pt2.z > b.pt2.z;
   }
-  return (a.pt2.z + a.pt1.z) > (b.pt2.z + b.pt1.z);
+  // Step 3: else the sums of the end elevations.
+  const double sumA = a.pt2.z + a.pt1.z;
+  const double sumB = b.pt2.z + b.pt1.z;
+  return sumA > sumB;
 }
 
 void ReferenceSortLines(std::vector<_sLinkLine>& lines) {
