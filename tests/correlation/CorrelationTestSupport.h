@@ -132,11 +132,4 @@ inline DataType::_sLinkRegion With(DataType::_sLinkRegion r,
   return r;
 }
 
-template <typename Visit> void ForEachRegion(const DataType::_sLinkRegion& r, const Visit& visit) {
-  visit(r);
-  for (const auto& child : r.vecChild) {
-    ForEachRegion(child, visit);
-  }
-}
-
 } // namespace xkltest

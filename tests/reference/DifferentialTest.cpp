@@ -19,6 +19,7 @@
 #include <sstream>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -27,13 +28,13 @@ using DataType::_sLinkLine;
 using DataType::_sLinkRegion;
 using DataType::_sZK;
 
-uint64_t Bits(double v) {
-  return std::bit_cast<uint64_t>(v);
-}
-
+// Every field of a tree or a list of lines, one per line of text with its path, doubles as their
+// bits: two results are identical exactly when their texts are, and the first line that differs
+// names the first differing field.
 std::string Num(double v) {
   char buf[64];
-  std::snprintf(buf, sizeof buf, "%.17g [%016llx]", v, static_cast<unsigned long long>(Bits(v)));
+  std::snprintf(buf, sizeof buf, "%.17g [%016llx]", v,
+                static_cast<unsigned long long>(std::bit_cast<uint64_t>(v)));
   return buf;
 }
 
@@ -45,100 +46,64 @@ std::string Narrow(const std::wstring& w) {
   return s;
 }
 
-// ---------------------------------------------------------------------------------------------
-// Field-by-field comparison with a readable description of the first difference
-
-std::string DiffPoint(const CXk3DPoint& lib, const CXk3DPoint& ref, const std::string& path) {
-  const double l[3] = {lib.x, lib.y, lib.z};
-  const double r[3] = {ref.x, ref.y, ref.z};
-  const char* axis[3] = {".x", ".y", ".z"};
-  for (int k = 0; k < 3; ++k) {
-    if (Bits(l[k]) != Bits(r[k])) {
-      return path + axis[k] + ": library " + Num(l[k]) + ", reference " + Num(r[k]);
-    }
-  }
-  return {};
+void Field(std::vector<std::string>& out, const std::string& path, const std::string& value) {
+  out.push_back(path + ": " + value);
 }
 
-template <typename T> std::string DiffValue(const T& lib, const T& ref, const std::string& path) {
-  if (lib == ref) {
+void Point(std::vector<std::string>& out, const std::string& path, const CXk3DPoint& p) {
+  Field(out, path + ".x", Num(p.x));
+  Field(out, path + ".y", Num(p.y));
+  Field(out, path + ".z", Num(p.z));
+}
+
+void Fields(std::vector<std::string>& out, const _sLinkRegion& r, const std::string& path) {
+  Field(out, path + ".nType", std::to_string(r.nType));
+  Field(out, path + ".bNamed", std::to_string(r.bNamed));
+  Field(out, path + ".strName", "\"" + Narrow(r.strName) + "\"");
+  Field(out, path + ".ranges",
+        std::to_string(r.nBegin1) + " " + std::to_string(r.nEnd1) + " " +
+            std::to_string(r.nBegin2) + " " + std::to_string(r.nEnd2));
+  for (int k = 0; k < 2; ++k) {
+    Point(out, path + ".ptTop[" + std::to_string(k) + "]", r.ptTop[k]);
+    Point(out, path + ".ptBot[" + std::to_string(k) + "]", r.ptBot[k]);
+  }
+  Field(out, path + ".vecChild.size()", std::to_string(r.vecChild.size()));
+  for (std::size_t k = 0; k < r.vecChild.size(); ++k) {
+    Fields(out, r.vecChild[k], path + ".vecChild[" + std::to_string(k) + "]");
+  }
+}
+
+void Fields(std::vector<std::string>& out, const std::vector<_sLinkLine>& lines) {
+  Field(out, "lines.size()", std::to_string(lines.size()));
+  for (std::size_t k = 0; k < lines.size(); ++k) {
+    const _sLinkLine& l = lines[k];
+    const std::string path = "lines[" + std::to_string(k) + "]";
+    Point(out, path + ".pt1", l.pt1);
+    Point(out, path + ".pt2", l.pt2);
+    Field(out, path + ".nType", std::to_string(l.nType));
+    Field(out, path + ".bBottom", std::to_string(l.bBottom));
+    Field(out, path + ".names", "\"" + Narrow(l.strUpName) + "\" / \"" + Narrow(l.strDownName) + "\"");
+  }
+}
+
+// The first differing field of two results, or nothing.
+template <class Result>
+std::string FirstDifference(const Result& lib, const Result& ref, const std::string& path) {
+  std::vector<std::string> a;
+  std::vector<std::string> b;
+  if constexpr (std::is_same_v<Result, _sLinkRegion>) {
+    Fields(a, lib, path);
+    Fields(b, ref, path);
+  } else {
+    Fields(a, lib);
+    Fields(b, ref);
+  }
+  const auto [x, y] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+  if (x == a.end() && y == b.end()) {
     return {};
   }
-  std::ostringstream os;
-  os << path << ": library " << lib << ", reference " << ref;
-  return os.str();
-}
-
-std::string DiffName(const std::wstring& lib, const std::wstring& ref, const std::string& path) {
-  if (lib == ref) {
-    return {};
-  }
-  return path + ": library \"" + Narrow(lib) + "\", reference \"" + Narrow(ref) + "\"";
-}
-
-std::string DiffRegion(const _sLinkRegion& lib, const _sLinkRegion& ref, const std::string& path) {
-  std::string d;
-  auto first = [&d](std::string s) {
-    if (d.empty()) {
-      d = std::move(s);
-    }
-  };
-  first(DiffValue(lib.nType, ref.nType, path + ".nType"));
-  first(DiffValue(lib.bNamed, ref.bNamed, path + ".bNamed"));
-  first(DiffName(lib.strName, ref.strName, path + ".strName"));
-  first(DiffValue(lib.nBegin1, ref.nBegin1, path + ".nBegin1"));
-  first(DiffValue(lib.nEnd1, ref.nEnd1, path + ".nEnd1"));
-  first(DiffValue(lib.nBegin2, ref.nBegin2, path + ".nBegin2"));
-  first(DiffValue(lib.nEnd2, ref.nEnd2, path + ".nEnd2"));
-  first(DiffPoint(lib.ptTop[0], ref.ptTop[0], path + ".ptTop[0]"));
-  first(DiffPoint(lib.ptTop[1], ref.ptTop[1], path + ".ptTop[1]"));
-  first(DiffPoint(lib.ptBot[0], ref.ptBot[0], path + ".ptBot[0]"));
-  first(DiffPoint(lib.ptBot[1], ref.ptBot[1], path + ".ptBot[1]"));
-  first(DiffValue(lib.vecChild.size(), ref.vecChild.size(), path + ".vecChild.size()"));
-  if (!d.empty()) {
-    return d;
-  }
-  for (std::size_t k = 0; k < lib.vecChild.size(); ++k) {
-    d = DiffRegion(lib.vecChild[k], ref.vecChild[k], path + ".vecChild[" + std::to_string(k) + "]");
-    if (!d.empty()) {
-      return d;
-    }
-  }
-  return {};
-}
-
-std::string DiffLine(const _sLinkLine& lib, const _sLinkLine& ref, const std::string& path) {
-  std::string d = DiffPoint(lib.pt1, ref.pt1, path + ".pt1");
-  if (d.empty()) {
-    d = DiffPoint(lib.pt2, ref.pt2, path + ".pt2");
-  }
-  if (d.empty()) {
-    d = DiffValue(lib.nType, ref.nType, path + ".nType");
-  }
-  if (d.empty()) {
-    d = DiffValue(lib.bBottom, ref.bBottom, path + ".bBottom");
-  }
-  if (d.empty()) {
-    d = DiffName(lib.strUpName, ref.strUpName, path + ".strUpName");
-  }
-  if (d.empty()) {
-    d = DiffName(lib.strDownName, ref.strDownName, path + ".strDownName");
-  }
-  return d;
-}
-
-std::string DiffLines(const std::vector<_sLinkLine>& lib, const std::vector<_sLinkLine>& ref) {
-  if (lib.size() != ref.size()) {
-    return "lines.size(): library " + std::to_string(lib.size()) + ", reference " +
-           std::to_string(ref.size());
-  }
-  for (std::size_t k = 0; k < lib.size(); ++k) {
-    std::string d = DiffLine(lib[k], ref[k], "lines[" + std::to_string(k) + "]");
-    if (!d.empty()) {
-      return d;
-    }
-  }
-  return {};
+  return "library " + (x == a.end() ? std::string("(nothing)") : *x) + ", reference " +
+         (y == b.end() ? std::string("(nothing)") : *y);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -223,7 +188,7 @@ std::string CheckLinkDcLine(const _sZK& a, const _sZK& b, const std::vector<_sLi
                             const std::vector<_sLinkLine>& expected) {
   std::vector<_sLinkLine> lines = start;
   LinkDcLine(a, b, lines);
-  return DiffLines(lines, expected);
+  return FirstDifference(lines, expected, "");
 }
 
 // Runs one pair through the library, the context and the reference; false on a mismatch, which is
@@ -237,12 +202,12 @@ bool CheckPair(const char* group, uint64_t seed, const _sZK& a, const _sZK& b, s
   reference::ReferenceLinkDc(a, b, ref);
   _sLinkRegion lib = xktest::Chance(rng, 0.2) ? StaleRoot() : _sLinkRegion();
   LinkDc(a, b, lib);
-  failure = DiffRegion(lib, ref, "LinkDc: root");
+  failure = FirstDifference(lib, ref, "LinkDc: root");
   if (failure.empty()) {
     XKLinkDc::CorrelationContext context;
     _sLinkRegion viaContext;
     context.LinkDc(a, b, viaContext);
-    failure = DiffRegion(viaContext, ref, "CorrelationContext::LinkDc: root");
+    failure = FirstDifference(viaContext, ref, "CorrelationContext::LinkDc: root");
   }
 
   if (failure.empty()) {
@@ -259,7 +224,7 @@ bool CheckPair(const char* group, uint64_t seed, const _sZK& a, const _sZK& b, s
       XKLinkDc::CorrelationContext context;
       std::vector<_sLinkLine> ctxLines = start;
       context.LinkDcLine(a, b, ctxLines);
-      const std::string viaContext = DiffLines(ctxLines, expected);
+      const std::string viaContext = FirstDifference(ctxLines, expected, "");
       if (!viaContext.empty()) {
         failure = "CorrelationContext::LinkDcLine: " + viaContext;
       }

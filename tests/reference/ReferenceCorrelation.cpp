@@ -747,53 +747,30 @@ CXk3DPoint GetLensTip(const State& s, const _sLinkRegion& r, const CXk3DPoint& m
 // Closing a named region: every enclosed stratum becomes a lens ending in a tip inside the envelope
 
 void CloseNamedRegion(const State& s, const _sLinkRegion& r, std::vector<_sLinkRegion>& out) {
-  const std::vector<Run> a = FusedRuns(s.zk1, r, r.nBegin1, r.nEnd1);
-  const std::vector<Run> b = FusedRuns(s.zk2, r, r.nBegin2, r.nEnd2);
-  _sLinkRegion lens; // working record, reused
-  for (const Run& run : a) {
-    if (run.strName == r.strName) {
-      continue;
+  const std::vector<Run> runs[2] = {FusedRuns(s.zk1, r, r.nBegin1, r.nEnd1),
+                                    FusedRuns(s.zk2, r, r.nBegin2, r.nEnd2)};
+  // All lenses of borehole 1, then all of borehole 2, each top to bottom. Both keep the corners on
+  // their own borehole in element 0 and the tip in element 1.
+  for (int side = 0; side < 2; ++side) {
+    const _sZK& zk = side == 0 ? s.zk1 : s.zk2;
+    for (const Run& run : runs[side]) {
+      if (run.strName == r.strName) {
+        continue;
+      }
+      const double zTop = BoundaryGC(zk, run.nBegin);
+      const double zBot = BoundaryGC(zk, run.nEnd);
+      const CXk3DPoint mid = MakePoint(zk.dX, zk.dY, (zBot + zTop) * 0.5);
+      _sLinkRegion lens;
+      lens.nType = 1;
+      lens.bNamed = run.bMerged;
+      lens.strName = run.strName;
+      (side == 0 ? lens.nBegin1 : lens.nBegin2) = run.nBegin;
+      (side == 0 ? lens.nEnd1 : lens.nEnd2) = run.nEnd;
+      lens.ptTop[0] = MakePoint(zk.dX, zk.dY, zTop);
+      lens.ptBot[0] = MakePoint(zk.dX, zk.dY, zBot);
+      lens.ptTop[1] = lens.ptBot[1] = GetLensTip(s, r, mid, side == 0);
+      out.push_back(lens);
     }
-    const double zTop = BoundaryGC(s.zk1, run.nBegin);
-    const double zBot = BoundaryGC(s.zk1, run.nEnd);
-    const CXk3DPoint mid = MakePoint(s.zk1.dX, s.zk1.dY, (zBot + zTop) * 0.5);
-    const CXk3DPoint tip = GetLensTip(s, r, mid, true);
-    lens.nType = 1;
-    lens.vecChild.clear();
-    lens.nBegin1 = run.nBegin;
-    lens.nEnd1 = run.nEnd;
-    lens.nBegin2 = -1;
-    lens.nEnd2 = -1;
-    lens.bNamed = run.bMerged;
-    lens.strName = run.strName;
-    lens.ptTop[0] = MakePoint(s.zk1.dX, s.zk1.dY, zTop);
-    lens.ptTop[1] = tip;
-    lens.ptBot[0] = MakePoint(s.zk1.dX, s.zk1.dY, zBot);
-    lens.ptBot[1] = tip;
-    out.push_back(lens);
-  }
-  for (const Run& run : b) {
-    if (run.strName == r.strName) {
-      continue;
-    }
-    const double zTop = BoundaryGC(s.zk2, run.nBegin);
-    const double zBot = BoundaryGC(s.zk2, run.nEnd);
-    const CXk3DPoint mid = MakePoint(s.zk2.dX, s.zk2.dY, (zBot + zTop) * 0.5);
-    const CXk3DPoint tip = GetLensTip(s, r, mid, false);
-    lens.nType = 1;
-    lens.vecChild.clear();
-    lens.nBegin1 = -1;
-    lens.nEnd1 = -1;
-    lens.nBegin2 = run.nBegin;
-    lens.nEnd2 = run.nEnd;
-    lens.bNamed = run.bMerged;
-    lens.strName = run.strName;
-    // A lens of borehole 2 keeps its own corners in element 0 and its tip in element 1.
-    lens.ptTop[0] = MakePoint(s.zk2.dX, s.zk2.dY, zTop);
-    lens.ptTop[1] = tip;
-    lens.ptBot[0] = MakePoint(s.zk2.dX, s.zk2.dY, zBot);
-    lens.ptBot[1] = tip;
-    out.push_back(lens);
   }
 }
 

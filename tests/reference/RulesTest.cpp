@@ -1,6 +1,7 @@
-// Checks of the reference correlation itself on small, hand-worked cases: the expected trees and
-// lines below were derived by hand from the correlation rules, so that the reference can serve as
-// the yardstick of the differential tests.
+// The rules at their boundaries, one hand-worked case each: the expected trees and lines below
+// were derived by hand from the correlation rules. Every tree and every list of lines is made by
+// the library and by the plain reference, which must agree, so that each case holds for both and
+// the reference can serve as the yardstick of the differential tests.
 #include "correlation/CorrelationTestSupport.h"
 #include "reference/ReferenceCorrelation.h"
 
@@ -30,10 +31,27 @@ _sZK Hole(double x, double collar, const std::wstring& codes, double thickness) 
   return MakeBorehole(x, 0.0, collar, layers);
 }
 
+// The tree by the library, after checking that the reference makes the same.
 _sLinkRegion Root(const _sZK& a, const _sZK& b) {
   _sLinkRegion root;
-  reference::ReferenceLinkDc(a, b, root);
+  LinkDc(a, b, root);
+  _sLinkRegion plain;
+  reference::ReferenceLinkDc(a, b, plain);
+  EXPECT_TRUE(SameTree(root, plain));
   return root;
+}
+
+// The lines by the library, after checking that the reference makes the same.
+void Lines(const _sZK& a, const _sZK& b, std::vector<_sLinkLine>& lines) {
+  std::vector<_sLinkLine> plain = lines;
+  LinkDcLine(a, b, lines);
+  reference::ReferenceLinkDcLine(a, b, plain);
+  ASSERT_EQ(lines.size(), plain.size());
+  for (std::size_t k = 0; k < lines.size(); ++k) {
+    EXPECT_TRUE(lines[k].IsSame(plain[k]) && lines[k].strUpName == plain[k].strUpName &&
+                lines[k].strDownName == plain[k].strDownName && lines[k].nType == plain[k].nType)
+        << "line " << k;
+  }
 }
 
 std::wstring Names(const std::vector<_sLinkRegion>& regions) {
@@ -64,7 +82,7 @@ _sLinkLine Line(double z1, double z2, bool bottom, const wchar_t* up, double x1 
 const _sZK kAbc = Hole(0, 100, L"ABC", 10);
 const _sZK kAc = MakeBorehole(100, 0, 100, {{L"A", 95}, {L"C", 85}});
 
-TEST(ReferenceTree, CommonStrataSplitTheGapBecomesAWedgeAndNothingBelowTheLastCommonStratum) {
+TEST(Rules, CommonStrataSplitTheGapBecomesAWedgeAndNothingBelowTheLastCommonStratum) {
   EXPECT_TRUE(SameTree(Root(kAbc, kAc), With(MakeRegion(kAbc, kAc, 0, 3, 0, 2),
                                              {MakeRegion(kAbc, kAc, 0, 1, 0, 1, L"A", true),
                                               MakeRegion(kAbc, kAc, 2, 3, 1, 2, L"C", true),
@@ -76,19 +94,19 @@ TEST(ReferenceTree, CommonStrataSplitTheGapBecomesAWedgeAndNothingBelowTheLastCo
   EXPECT_DOUBLE_EQ(root.ptBot[0].z, 60);
 }
 
-TEST(ReferenceTree, SingleCodeOnEachSideLeavesTheRootAlone) {
+TEST(Rules, SingleCodeOnEachSideLeavesTheRootAlone) {
   const _sZK a = MakeBorehole(0, 0, 10, {{L"A", 5}, {L"A", 2}, {L"A", 0}});
   const _sZK b = MakeBorehole(50, 0, 12, {{L"B", 1}}, 11);
   auto expected = MakeRegion(a, b, 0, 3, 0, 1);
   expected.ptTop[1].z = 12; // collar, not the top of the first stratum
   EXPECT_TRUE(SameTree(Root(a, b), expected));
   std::vector<_sLinkLine> lines;
-  reference::ReferenceLinkDcLine(a, b, lines);
+  Lines(a, b, lines);
   ASSERT_EQ(lines.size(), 1u); // the collar line is removed
   ExpectLine(lines[0], 0, 1, L"/");
 }
 
-TEST(ReferenceTree, UnmatchedStrataInterleaveByCodeUnits) {
+TEST(Rules, UnmatchedStrataInterleaveByCodeUnits) {
   const _sZK a = Hole(0, 10, L"13", 2);
   const _sZK b = MakeBorehole(40, 0, 10, {{L"2", 7}});
   EXPECT_TRUE(SameTree(Root(a, b), With(MakeRegion(a, b, 0, 2, 0, 1),
@@ -101,7 +119,7 @@ TEST(ReferenceTree, UnmatchedStrataInterleaveByCodeUnits) {
   EXPECT_EQ(Names(Root(nine, ten).vecChild).substr(0, 5), L"10 9 ");
 }
 
-TEST(ReferenceTree, EmptyBoreholeHasZeroDepthAtItsCollar) {
+TEST(Rules, EmptyBoreholeHasZeroDepthAtItsCollar) {
   const _sZK a = Hole(0, 100, L"AB", 10);
   const _sZK none = MakeBorehole(30, 40, 95, {});
   EXPECT_TRUE(SameTree(Root(a, none), With(MakeRegion(a, none, 0, 2, 0, 0),
@@ -109,11 +127,11 @@ TEST(ReferenceTree, EmptyBoreholeHasZeroDepthAtItsCollar) {
                                             MakeRegion(a, none, 1, 2, 0, 0, L"B", false, 2)})));
   EXPECT_TRUE(Root(none, none).vecChild.empty());
   std::vector<_sLinkLine> lines;
-  reference::ReferenceLinkDcLine(none, none, lines);
+  Lines(none, none, lines);
   EXPECT_TRUE(lines.empty()); // top and bottom coincide, merge, and the one line is removed
 }
 
-TEST(ReferenceCrossing, EqualKeysDropTheLaterPair) {
+TEST(CrossingRule, EqualKeysDropTheLaterPair) {
   // The top gap holds B of borehole 2 only; B of borehole 1 lies below the last common stratum.
   const _sZK a = Hole(0, 100, L"AB", 10);
   const _sZK b = Hole(100, 100, L"BA", 10);
@@ -122,7 +140,7 @@ TEST(ReferenceCrossing, EqualKeysDropTheLaterPair) {
                                          MakeRegion(a, b, 0, 0, 0, 1, L"B", false, 2)})));
 }
 
-TEST(ReferenceCrossing, DroppedPairKeepsSweepingAndIsReadmittedLater) {
+TEST(CrossingRule, DroppedPairKeepsSweepingAndIsReadmittedLater) {
   // Mid-elevation differences: A 9, B 2, C 11.5. A is dropped by B, C by the dropped A; C shares
   // no stratum with B and crosses no kept pair, so it comes back.
   const _sZK b = MakeBorehole(100, 0, 88, {{L"B", 86.75}, {L"C", 86.25}, {L"A", 85.75}}, 87.25);
@@ -135,7 +153,7 @@ TEST(ReferenceCrossing, DroppedPairKeepsSweepingAndIsReadmittedLater) {
   }
 }
 
-TEST(ReferenceChain, RepeatedCodeMakesOneEnvelopeWithALensOfBoreholeTwoInSlotZero) {
+TEST(CommonStrata, RepeatedCodeMakesOneEnvelopeWithALensOfBoreholeTwoInSlotZero) {
   const _sZK a = Hole(0, 100, L"A", 10);
   const _sZK b = MakeBorehole(100, 0, 100, {{L"A", 95}, {L"X", 92}, {L"A", 80}});
   auto lens = MakeRegion(a, b, -1, -1, 1, 2, L"X", false, 1);
@@ -147,7 +165,7 @@ TEST(ReferenceChain, RepeatedCodeMakesOneEnvelopeWithALensOfBoreholeTwoInSlotZer
   EXPECT_TRUE(SameTree(root.vecChild[0], With(MakeRegion(a, b, 0, 1, 0, 3, L"A", true), {lens})));
 }
 
-TEST(ReferenceChain, CodeTwiceInEachBoreholeChainsAcrossTheCrossing) {
+TEST(CommonStrata, CodeTwiceInEachBoreholeChainsAcrossTheCrossing) {
   // The top gap (J, K, L against B to F) closes into wedges; by code order B comes first.
   const _sLinkRegion root = Root(Hole(0, 100, L"JKLAMNOA", 1), Hole(100, 100, L"BCDEFAGHIA", 1));
   ASSERT_EQ(root.vecChild.size(), 9u);
@@ -158,7 +176,7 @@ TEST(ReferenceChain, CodeTwiceInEachBoreholeChainsAcrossTheCrossing) {
   EXPECT_RANGES(root.vecChild[1], 0, 0, 0, 1);
 }
 
-TEST(ReferenceLens, TipReachesFortyFivePercentOrStopsShortOfTheEnvelope) {
+TEST(LensTip, TipReachesFortyFivePercentOrStopsShortOfTheEnvelope) {
   const _sZK a = Hole(0, 100, L"ABA", 10);
   const struct {
     _sZK other;
@@ -183,7 +201,7 @@ TEST(ReferenceLens, TipReachesFortyFivePercentOrStopsShortOfTheEnvelope) {
   }
 }
 
-TEST(ReferenceNamedRegion, InnerSplitLeavesTheTrailingEnvelopeStratumOut) {
+TEST(NamedRegion, InnerSplitLeavesTheTrailingEnvelopeStratumOut) {
   // Sub-region A over A, B, X, A (borehole 1) and A, B, A (borehole 2): B is split out, the top
   // gap vanishes because the leading A is skipped, and the bottom gap holds X only.
   const _sLinkRegion root = Root(Hole(0, 100, L"ABXA", 10), Hole(100, 120, L"ABA", 10));
@@ -198,7 +216,7 @@ TEST(ReferenceNamedRegion, InnerSplitLeavesTheTrailingEnvelopeStratumOut) {
   EXPECT_POINT(x.ptTop[1], 45, 0, 75);
 }
 
-TEST(ReferenceFusing, LastPairOfCandidatesDecidesNotTheThickest) {
+TEST(Fusing, LastPairOfCandidatesDecidesNotTheThickest) {
   // A is by far the thickest code, but of the candidates A, B, C only B against C counts: C wins.
   const _sZK a = MakeBorehole(
       0, 0, 100, {{L"A", 80}, {L"B", 79}, {L"C", 76}, {L"A", 56}, {L"B", 55}, {L"C", 52}});
@@ -210,7 +228,7 @@ TEST(ReferenceFusing, LastPairOfCandidatesDecidesNotTheThickest) {
   EXPECT_RANGES(root.vecChild[2], 2, 6, 0, 0);
 }
 
-TEST(ReferenceFusing, EnvelopeCodeBeforeTheSecondOccurrenceBlocksFusing) {
+TEST(Fusing, EnvelopeCodeBeforeTheSecondOccurrenceBlocksFusing) {
   const _sZK one = Hole(100, 100, L"A", 50);
   // B, A, B inside the envelope A: the A between makes B ineligible; two separate lenses.
   _sLinkRegion root = Root(Hole(0, 95, L"ABABA", 5), one);
@@ -230,9 +248,9 @@ TEST(ReferenceFusing, EnvelopeCodeBeforeTheSecondOccurrenceBlocksFusing) {
   EXPECT_EQ(Names(lens.vecChild), L"C A ");
 }
 
-TEST(ReferenceLines, TypicalRequestGivesThreeNamedLinesAndCallerLinesTakePart) {
+TEST(Lines, TypicalRequestGivesThreeNamedLinesAndCallerLinesTakePart) {
   std::vector<_sLinkLine> lines;
-  reference::ReferenceLinkDcLine(kAbc, kAc, lines);
+  Lines(kAbc, kAc, lines);
   ASSERT_EQ(lines.size(), 3u);
   ExpectLine(lines[0], 90, 95, L"A/B");
   ExpectLine(lines[1], 80, 95, L"B/C");
@@ -240,13 +258,13 @@ TEST(ReferenceLines, TypicalRequestGivesThreeNamedLinesAndCallerLinesTakePart) {
   EXPECT_EQ(lines[1].nType, 2);
   // A caller's line above everything is the one removed; the collar line stays.
   lines = {Line(1000, 1000, true, L"sky")};
-  reference::ReferenceLinkDcLine(kAbc, kAc, lines);
+  Lines(kAbc, kAc, lines);
   ASSERT_EQ(lines.size(), 4u);
   ExpectLine(lines[0], 100, 100, L"A/");
   ExpectLine(lines[3], 70, 85, L"C/");
 }
 
-TEST(ReferenceLines, MergeKeepsTheBottomLineAndRenamesIt) {
+TEST(Lines, MergeKeepsTheBottomLineAndRenamesIt) {
   std::vector<_sLinkLine> lines{Line(5, 5, false, L"P"), Line(5, 5, false, L"Q"),
                                 Line(5, 5 + 4e-6, true, L"R")};
   reference::ReferenceMergeSameLines(lines);
@@ -264,7 +282,7 @@ TEST(ReferenceLines, MergeKeepsTheBottomLineAndRenamesIt) {
   EXPECT_EQ(lines.size(), 2u);
 }
 
-TEST(ReferenceLines, OrderingComparesFirstEndsThenSecondEndsThenSums) {
+TEST(Lines, OrderingComparesFirstEndsThenSecondEndsThenSums) {
   const _sLinkLine high = Line(10, 0, false, L"");
   const _sLinkLine low = Line(9, 50, false, L"");
   const _sLinkLine sameStart = Line(10, 20, false, L"");
