@@ -1,17 +1,15 @@
 #include "AgsGridReference.h"
 
 #include "AgsGroups.h"
+#include "AgsText.h"
 #include "Numbers.h"
-#include "Text.h"
 
 #include <vector>
 
 namespace xklink {
 
 std::optional<GridReference> ReadAgsGridReference(std::string_view raw, const std::string& file) {
-  const std::string_view bare = StripUtf8Bom(raw);
-  const std::string text =
-      FindInvalidUtf8(bare) ? Windows1252FallbackToUtf8(bare) : std::string(bare);
+  const std::string text = AgsTextAsUtf8(raw);
   const AgsEdition edition = DetectAgsEdition(text).value_or(AgsEdition::Ags4);
   const std::string group = edition == AgsEdition::Ags3 ? "HOLE" : "LOCA";
   const std::string heading = group + "_GREF";

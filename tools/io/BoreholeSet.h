@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Diagnostics.h"
+#include "InSitu.h"
 
 #include <XKLinkDc/XKLinkDc.h>
 #include <map>
@@ -21,7 +22,7 @@ struct HoleRecord {
   std::string name; // UTF-8, as in the file
   double x = 0.0;
   double y = 0.0;
-  double top = 0.0;                  // collar elevation
+  double top = 0.0; // collar elevation
   // False when the file gives no usable ground level for the hole (empty, "-", absent): top is then
   // 0 and the strata are at minus their depths, so that the hole can still be drawn in depth below
   // ground when no hole of the section has a ground level.
@@ -51,6 +52,8 @@ struct BoreholeSet {
   // What the file says its codes mean (AGS ABBR group: code -> description, such as
   // "805" -> "Chalk"), for the legend.
   std::map<std::string, std::string> codeDescriptions;
+  // What the logs record besides the strata: water, SPT, descriptions (AGS files; AgsInSitu.h).
+  InSituData inSitu;
 };
 
 // The records of the holes, for the correlation.

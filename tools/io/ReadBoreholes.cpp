@@ -1,6 +1,7 @@
 #include "ReadBoreholes.h"
 
 #include "AgsGroups.h"
+#include "AgsInSitu.h"
 #include "AgsReader.h"
 #include "CsvReader.h"
 #include "JsonReader.h"
@@ -106,9 +107,23 @@ BoreholeSet ReadBoreholes(const std::filesystem::path& file, Format format,
   case Format::Json:
     set = ReadJsonBoreholes(text, name, options);
     break;
-  case Format::Ags:
+  case Format::Ags: {
+    // The in-situ pass reads its own copy: the reader of the holes takes the text over.
+    std::vector<Diagnostic> inSituNotes;
+    InSituData inSitu = options.inSitu ? ReadAgsInSitu(text, name, inSituNotes) : InSituData{};
     set = ReadAgsBoreholes(std::move(text), name, options);
+    set.inSitu = std::move(inSitu);
+    for (Diagnostic& note : inSituNotes) {
+      const bool told =
+          std::any_of(set.diagnostics.begin(), set.diagnostics.end(), [&](const auto& d) {
+            return d.where.line == note.where.line && d.message == note.message;
+          });
+      if (!told) {
+        set.diagnostics.push_back(std::move(note));
+      }
+    }
     break;
+  }
   case Format::Csv:
     set = ReadCsvBoreholes(text, name, options);
     break;

@@ -24,6 +24,9 @@ struct ReadOptions {
   std::optional<std::string> codeColumn;
   // Join consecutive strata of a hole that carry the same code (see MergeRepeatedCodes).
   bool mergeRepeats = false;
+  // Also read what the logs record besides the strata (water, SPT, descriptions; AgsInSitu.h):
+  // a second pass over the file, so only for the outputs that draw them.
+  bool inSitu = false;
 };
 
 } // namespace xklink

@@ -1,0 +1,167 @@
+// Water strikes, standing levels, SPT results and descriptions read from AGS files: hand-made
+// files, one rule per row, and the real files that carry them.
+#include "AgsInSitu.h"
+#include "IoTestSupport.h"
+#include "ReadBoreholes.h"
+#include "SourceFile.h"
+
+#include <gtest/gtest.h>
+
+namespace xklink {
+namespace {
+
+using testing::Messages;
+
+const std::filesystem::path kReal = XKLINKDC_REAL_DATA_DIR;
+
+// One line per record: "strike 12.8 -> 12.2 after 20 at 2000-02-16 (line 7)", "spt 1.2 N=7".
+std::vector<std::string> Summary(const HoleInSitu& hole) {
+  std::vector<std::string> lines;
+  const auto optional = [](const std::optional<double>& v) {
+    return v ? FormatNumber(*v) : std::string("?");
+  };
+  for (const WaterStrike& s : hole.waterStrikes) {
+    lines.push_back("strike " + FormatNumber(s.depth) + " -> " + optional(s.roseTo) + " after " +
+                    optional(s.minutes) + " at " + s.time + " (line " +
+                    std::to_string(s.where.line) + ")");
+  }
+  for (const StandingLevel& s : hole.standingLevels) {
+    lines.push_back("level " + FormatNumber(s.depth) + " in " + s.instrument + " at " + s.time);
+  }
+  for (const SptResult& t : hole.spt) {
+    lines.push_back("spt " + FormatNumber(t.depth) + " " + SptLabel(t));
+  }
+  for (const StratumDescription& d : hole.descriptions) {
+    lines.push_back("desc " + FormatNumber(d.top) + "-" + FormatNumber(d.base) + " " + d.text);
+  }
+  return lines;
+}
+
+std::vector<std::string> Read(const std::string& text, std::vector<Diagnostic>& diagnostics,
+                              const std::string& hole = "BH1") {
+  const InSituData data = ReadAgsInSitu(text, "site.ags", diagnostics);
+  const auto found = data.find(hole);
+  return found == data.end() ? std::vector<std::string>{} : Summary(found->second);
+}
+
+// WSTG on lines 5-7, WSTD on lines 13-17, MOND on lines 23-25, ISPT on lines 31-35.
+const std::string kAgs4 = R"ags("GROUP","WSTG"
+"HEADING","LOCA_ID","WSTG_DPTH","WSTG_DTIM","WSTG_REM"
+"UNIT","","m","yyyy-mm-ddThh:mm",""
+"TYPE","ID","2DP","DT","X"
+"DATA","BH1","","","Strikes not recorded during rotary drilling"
+"DATA","BH1","9.40","2000-02-16T10:30",""
+"DATA","BH1","2.10","2000-02-16T09:00","Seepage"
+
+"GROUP","WSTD"
+"HEADING","LOCA_ID","WSTG_DPTH","WSTD_NMIN","WSTD_POST"
+"UNIT","","m","min","m"
+"TYPE","ID","2DP","0DP","2DP"
+"DATA","BH1","9.40","10","6.50"
+"DATA","BH1","9.40","20","6.20"
+"DATA","BH1","9.40","5","6.90"
+"DATA","BH1","12.00","20","11.00"
+"DATA","BH1","2.10","abc","2.00"
+
+"GROUP","MOND"
+"HEADING","LOCA_ID","MONG_ID","MOND_DTIM","MOND_TYPE","MOND_RDNG"
+"UNIT","","","yyyy-mm-dd","",""
+"TYPE","ID","X","DT","PA","XN"
+"DATA","BH1","SP1","2000-03-01","WDEP","5.85"
+"DATA","BH1","SP1","2000-03-08","WDEP",""
+"DATA","BH1","SP1","2000-03-08","HEAD","11.50"
+
+"GROUP","ISPT"
+"HEADING","LOCA_ID","ISPT_TOP","ISPT_NVAL","ISPT_REP","ISPT_MAIN","ISPT_INC3","ISPT_INC4","ISPT_PEN3","ISPT_PEN4"
+"UNIT","","m","","","","","","mm","mm"
+"TYPE","ID","2DP","0DP","X","0DP","0DP","0DP","0DP","0DP"
+"DATA","BH1","5.00","","50 (25 for 70mm/50 for 70mm)","50","","","",""
+"DATA","BH1","1.20","7","N=7 (1,1/1,2,2,2)","7","","","",""
+"DATA","BH1","6.50","","","","30","20","75","0"
+"DATA","BH1","8.00","","","","","","",""
+"DATA","BH1","-1.0","12","","","","","",""
+)ags";
+
+TEST(InSituTest, Ags4StrikesKeepTheirLastReadingAndTestsTheirResultAsReported) {
+  std::vector<Diagnostic> diagnostics;
+  EXPECT_EQ(Read(kAgs4, diagnostics),
+            (std::vector<std::string>{
+                // WSTD readings come in any order: the one taken longest after the strike counts.
+                "strike 2.1 -> 2 after ? at 2000-02-16T09:00 (line 7)",
+                "strike 9.4 -> 6.2 after 20 at 2000-02-16T10:30 (line 6)",
+                "strike 12 -> 11 after 20 at  (line 16)", // readings of an unlisted strike
+                "level 5.85 in SP1 at 2000-03-01",        // HEAD readings and dry visits left out
+                "spt 1.2 N=7",
+                "spt 5 50 (25 for 70mm/50 for 70mm)", // a refusal as the log writes it
+                "spt 6.5 50 for 75 mm",               // and from its increments when it does not
+            }));
+  EXPECT_EQ(Messages(diagnostics),
+            (std::vector<std::string>{
+                "site.ags:17: warning: field WSTD_NMIN: not a number: 'abc'; the value is left out",
+                "site.ags:34: warning: field ISPT_TOP: SPT without a result (no N, report or blow "
+                "count); left out",
+                "site.ags:35: warning: field ISPT_TOP: negative depth -1.0; the row is left out"}));
+}
+
+TEST(InSituTest, Ags3WaterStrikesAndABadRowLeftOutWithAWarning) {
+  const std::string ags3 = R"("**WSTK"
+"*HOLE_ID","*WSTK_DEP","*WSTK_NMIN","*WSTK_DATE","*WSTK_TIME","*WSTK_POST"
+"<UNITS>","m","min","dd/mm/yyyy","hhmm","m"
+"BH1","4.5","20","19/05/2010","0930","3.11"
+
+"**ISPT"
+"*HOLE_ID","*ISPT_TOP","*ISPT_NVAL"
+"<UNITS>","m",""
+"BH1","2","17","extra field"
+
+"**GEOL"
+"*HOLE_ID","*GEOL_TOP","*GEOL_BASE","*GEOL_DESC"
+"<UNITS>","m","m",""
+"BH1","0","1.2","Firm brown sandy CLAY"
+)";
+  std::vector<Diagnostic> diagnostics;
+  EXPECT_EQ(Read(ags3, diagnostics),
+            (std::vector<std::string>{"strike 4.5 -> 3.11 after 20 at 19/05/2010 0930 (line 4)",
+                                      "desc 0-1.2 Firm brown sandy CLAY"}));
+  ASSERT_EQ(diagnostics.size(), 1u);
+  EXPECT_NE(diagnostics[0].ToString().find("site.ags:9: warning: field ISPT: the row has 4 fields"),
+            std::string::npos)
+      << diagnostics[0].ToString();
+}
+
+TEST(InSituTest, RealFiles) {
+  const struct {
+    std::string file;
+    std::string hole;
+    std::vector<std::string> first; // the first records of the hole of each kind
+  } cases[] = {
+      {"dlr-city-airport/DLR_City_Airport_Extension.ags",
+       "BH105",
+       {"strike 9.4 -> 6.2 after 20 at 2000-02-16T00:00:00 (line 5874)"}},
+      {"m621-widening/M621_Widening.ags", "BH01", {"strike 12.8 -> 12.2 after 20 at  (line 1996)"}},
+      {"nle-battersea/21-7-10-NLE.ags",
+       "BH01",
+       {"strike 4.5 -> 3.11 after 20 at  (line 273)", "spt 2 N=17"}},
+      {"c6034-ags3/C6034.ags", "BH 1", {"spt 5.4 50 (25 for 0mm/50 for 15mm)"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.file);
+    std::vector<Diagnostic> diagnostics;
+    const InSituData data = ReadAgsInSitu(ReadSourceFile(kReal / c.file), c.file, diagnostics);
+    ASSERT_TRUE(data.count(c.hole));
+    const std::vector<std::string> all = Summary(data.at(c.hole));
+    for (const std::string& record : c.first) {
+      EXPECT_NE(std::find(all.begin(), all.end(), record), all.end())
+          << record << " not in\n"
+          << ::testing::PrintToString(all);
+    }
+  }
+  // The reader of the holes hands them on with the holes.
+  ReadOptions options;
+  options.inSitu = true;
+  const auto nle = ReadBoreholes(kReal / cases[2].file, Format::Ags, options);
+  EXPECT_EQ(Summary(nle.inSitu.at("BH01")).front(), cases[2].first.front());
+}
+
+} // namespace
+} // namespace xklink
