@@ -228,8 +228,7 @@ void MakeGapRegions(const Correlator& correlator, const _sLinkRegion& region,
 void BuildFusedRuns(Correlator& correlator, const _sLinkRegion& region, bool side,
                     std::vector<StratumRun>& runs);
 // Both sides' fused runs into correlator.runs.side1 and side2, and room in `out` for a region each.
-void BuildFusedRunsOfBothSides(Correlator& correlator, const _sLinkRegion& region,
-                               RegionList& out);
+void BuildFusedRunsOfBothSides(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
 void CloseUnmatchedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
 void CloseNamedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
 

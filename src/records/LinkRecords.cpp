@@ -3,7 +3,6 @@
 #include "records/MoveAssign.h"
 
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <utility>
 #include <vector>
 

@@ -82,7 +82,8 @@ void Fields(std::vector<std::string>& out, const std::vector<_sLinkLine>& lines)
     Point(out, path + ".pt2", l.pt2);
     Field(out, path + ".nType", std::to_string(l.nType));
     Field(out, path + ".bBottom", std::to_string(l.bBottom));
-    Field(out, path + ".names", "\"" + Narrow(l.strUpName) + "\" / \"" + Narrow(l.strDownName) + "\"");
+    Field(out, path + ".names",
+          "\"" + Narrow(l.strUpName) + "\" / \"" + Narrow(l.strDownName) + "\"");
   }
 }
 
