@@ -32,7 +32,7 @@ TEST(ReadLegendCsv, GoodFilesAndTheLineAndReasonOfBadOnes) {
        0, "", {{L"Lehm \u00FC", {"#996633", "x"}}, {L"clay", {"#aa7744", ""}}, {L"CLAY", {"#bb8855", ""}}}},
       {"only the first line is a header", "SAND,yellow\ncode,colour,label\n", 2, "'colour'", {}},
       {"one field", "code,colour,label\nMG\n", 2, "found 1 field", {}},
-      {"four fields", "MG,grey,Made,Ground\n", 1, "", {}},
+      {"four fields", "MG,grey,Made,Ground\n", 1, "found 4 fields", {}},
       {"no code", "MG,grey\n,grey,no code\n", 2, "", {}},
       {"short hex", "MG,#12345,short\n", 1, "", {}},
       {"not hex", "MG,#12345g,x\n", 1, "", {}},
