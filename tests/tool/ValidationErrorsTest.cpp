@@ -150,6 +150,37 @@ TEST_F(ValidationErrorsTest, ValuesNoBoreholeCanHaveAreNamed) {
           {{"--holes", "A,C"}, {":4: field x: coordinate 1e+300"}, true}});
 }
 
+TEST_F(ValidationErrorsTest, HolesWithoutAGroundLevel) {
+  // BH3's LOCA_GL is empty: beside holes that have one, it is left out.
+  const std::string some = dir.Write("some.ags", R"("GROUP","LOCA"
+"HEADING","LOCA_ID","LOCA_NATE","LOCA_NATN","LOCA_GL"
+"DATA","BH1","1000.00","2000.00","10.00"
+"DATA","BH2","1050.00","2000.00","11.00"
+"DATA","BH3","1080.00","2000.00",""
+
+"GROUP","GEOL"
+"HEADING","LOCA_ID","GEOL_TOP","GEOL_BASE","GEOL_GEOL"
+"DATA","BH1","0.00","2.00","MG"
+"DATA","BH2","0.00","3.00","MG"
+"DATA","BH3","0.00","4.00","MG"
+)");
+  Expect(some,
+         {{{}, {some + ":5: warning: field LOCA_GL: hole 'BH3' left out: has no ground level"}},
+          {{"--holes", "BH1,BH3"}, {some + ":5: field LOCA_GL: hole 'BH3' has no ground"}, true}});
+  // Shottlegate: no hole has a ground level; the section is drawn in depth below ground.
+  const std::string shottlegate = (kRealData / "shottlegate" / "Shottlegate_Project.ags").string();
+  Expect(shottlegate,
+         {{{},
+           {"warning: field LOCA_GL: no hole has a ground level: the section is "
+            "drawn in depth below ground"}}},
+         "section");
+  const RunResult run = RunTool({"section", shottlegate, "-o", (dir / "s.svg").string()});
+  EXPECT_EQ(run.exitCode, 0) << run.Describe();
+  const std::string svg = ReadFile(dir / "s.svg");
+  EXPECT_NE(svg.find("Depth (m below ground)"), std::string::npos);
+  EXPECT_EQ(svg.find("Elevation"), std::string::npos);
+}
+
 TEST_F(ValidationErrorsTest, RealFilesGiveTheirSectionsWithoutTheirBadHoles) {
   // M621: overlaps in BH07 (line 936) and BH11 (1001); DS04, DS04A, DS04B and DS04C drilled at one
   // position, DS04C the deepest.
