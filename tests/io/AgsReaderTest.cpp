@@ -5,6 +5,7 @@
 #include "AgsReader.h"
 
 #include "AgsCodes.h"
+#include "AgsGroups.h"
 #include "IoTestSupport.h"
 #include "Validation.h"
 
@@ -356,6 +357,20 @@ TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
       EXPECT_FALSE(d.hole.empty()) << d.ToString();
     }
   }
+}
+
+TEST(AgsReaderTest, AHoleOfManyBadRowsKeepsAFewMessagesAndACount) {
+  std::string rows;
+  for (int i = 0; i < 8; ++i) { // lines 22-29
+    rows += "\n\"DATA\",\"BH2\",\"6.00\",\"x\",\"\",\"\",\"R\",\"\"";
+  }
+  const auto set = Read(kSite.substr(0, kSite.size() - 1) + rows + "\n");
+  ASSERT_EQ(set.diagnostics.size(), RowDiagnostics::kPerHole + 1);
+  EXPECT_EQ(set.diagnostics.back().ToString(),
+            "site.ags:27: 3 more problems in rows of hole 'BH2', from this line on, not listed one "
+            "by one");
+  EXPECT_EQ(set.diagnostics.back().severity, Severity::Error);
+  EXPECT_EQ(set.diagnostics.back().hole, "BH2");
 }
 
 TEST(AgsReaderTest, SortsGeolRowsOfAHoleByDepth) {

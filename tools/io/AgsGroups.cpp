@@ -31,7 +31,13 @@ class GroupCollector {
 public:
   GroupCollector(std::string file, const std::set<std::string>& wanted, AgsFile& out,
                  std::vector<Diagnostic>& diagnostics)
-      : m_file(std::move(file)), m_wanted(wanted), m_out(out), m_diagnostics(diagnostics) {}
+      : m_file(std::move(file)), m_wanted(wanted), m_out(out), m_diagnostics(diagnostics),
+        m_rows(m_file, diagnostics) {}
+
+  void Finish() {
+    Close();
+    m_rows.Finish();
+  }
 
   // Opens a group; Current() is nullptr when the group is not wanted.
   void Open(const std::string& name, std::size_t line) {
@@ -92,8 +98,7 @@ public:
     const std::string hole = HoleOf(group, values);
     const SourceRef where{m_file, line, group.name};
     const std::string message = why + "; the row is left out";
-    m_diagnostics.push_back(hole.empty() ? MakeWarning(where, message)
-                                         : MakeError(where, message, hole));
+    m_rows.Add(hole.empty() ? MakeWarning(where, message) : MakeError(where, message, hole));
   }
 
 private:
@@ -147,6 +152,7 @@ private:
   const std::set<std::string>& m_wanted;
   AgsFile& m_out;
   std::vector<Diagnostic>& m_diagnostics;
+  RowDiagnostics m_rows;
   AgsGroup m_part;
   bool m_open = false;
   AgsGroup* m_current = nullptr;
@@ -205,7 +211,7 @@ void ReadAgs4(AgsTokenizer& tokens, GroupCollector& groups) {
                            "': expected GROUP, HEADING, UNIT, TYPE or DATA");
     }
   }
-  groups.Close();
+  groups.Finish();
 }
 
 // "*?HOLE_ID" -> "HOLE_ID".
@@ -326,10 +332,39 @@ void ReadAgs3(AgsTokenizer& tokens, GroupCollector& groups, std::deque<std::stri
     }
     groups.AddRow(*group, fields, line);
   }
-  groups.Close();
+  groups.Finish();
 }
 
 } // namespace
+
+void RowDiagnostics::Add(Diagnostic diagnostic) {
+  auto& hole = m_holes[diagnostic.hole];
+  if (hole.kept < (diagnostic.hole.empty() ? kWithoutHole : kPerHole)) {
+    ++hole.kept;
+    m_out.push_back(std::move(diagnostic));
+    return;
+  }
+  if (hole.count++ == 0) {
+    hole.firstLine = diagnostic.where.line;
+  }
+  hole.anyError = hole.anyError || diagnostic.severity == Severity::Error;
+}
+
+void RowDiagnostics::Finish() {
+  for (auto& [name, hole] : m_holes) {
+    if (hole.count == 0) {
+      continue;
+    }
+    const std::string message = std::to_string(hole.count) + " more problem" +
+                                (hole.count == 1 ? "" : "s") + " in rows " +
+                                (name.empty() ? "of the file" : "of hole '" + name + "'") +
+                                ", from this line on, not listed one by one";
+    const SourceRef where{m_file, hole.firstLine, {}};
+    m_out.push_back(hole.anyError ? MakeError(where, message, name)
+                                  : MakeWarning(where, message, name));
+    hole.count = 0;
+  }
+}
 
 std::optional<std::size_t> AgsGroup::Column(std::string_view heading) const {
   const auto it = std::find(headings.begin(), headings.end(), heading);

@@ -25,6 +25,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace xklink {
@@ -53,6 +54,32 @@ struct AgsFile {
   // complete (a deque, so that adding one never moves the others).
   std::unique_ptr<std::string> text;
   std::deque<std::string> joined;
+};
+
+// Problems of single rows, bounded: a file of a million bad rows keeps a few messages for each hole
+// rather than a million. The first kPerHole of a hole (and the first kWithoutHole not tied to a
+// hole) are kept, the others counted; Finish() adds one message for each hole with more, an error
+// when any of them was one, so that the hole's fate does not depend on which rows were shown.
+class RowDiagnostics {
+public:
+  static constexpr std::size_t kPerHole = 5;
+  static constexpr std::size_t kWithoutHole = 100;
+
+  RowDiagnostics(std::string file, std::vector<Diagnostic>& out)
+      : m_file(std::move(file)), m_out(out) {}
+  void Add(Diagnostic diagnostic);
+  void Finish();
+
+private:
+  struct Dropped {
+    std::size_t kept = 0;
+    std::size_t count = 0;
+    std::size_t firstLine = 0;
+    bool anyError = false;
+  };
+  std::string m_file;
+  std::vector<Diagnostic>& m_out;
+  std::map<std::string, Dropped> m_holes; // "" for rows not tied to a hole
 };
 
 // The edition of an AGS text from its first non-blank line, or nothing when it is not AGS.

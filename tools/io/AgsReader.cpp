@@ -85,7 +85,8 @@ public:
   AgsHoleBuilder(std::string file, AgsNames names, const AgsFile& ags, const ReadOptions& options,
                  BoreholeSet& set)
       : m_file(std::move(file)), m_names(std::move(names)),
-        m_holes(ags.groups.at(m_names.holeGroup)), m_geol(ags.groups.at("GEOL")), m_set(set) {
+        m_holes(ags.groups.at(m_names.holeGroup)), m_geol(ags.groups.at("GEOL")), m_set(set),
+        m_rows(m_file, set.diagnostics) {
     Require(m_holes, {m_names.key, m_names.easting, m_names.northing});
     Require(m_geol, {m_names.key, "GEOL_TOP", "GEOL_BASE"});
     m_keyColumn = *m_holes.Column(m_names.key);
@@ -106,8 +107,8 @@ public:
     for (std::size_t row = 0; row < m_holes.RowCount(); ++row) {
       const auto id = TrimSpaces(m_holes.Cell(row, m_keyColumn));
       if (id.empty()) {
-        m_set.diagnostics.push_back(MakeError(Ref(m_holes, row, m_names.key),
-                                              "row of " + m_holes.name + " without a hole name"));
+        m_rows.Add(MakeError(Ref(m_holes, row, m_names.key),
+                             "row of " + m_holes.name + " without a hole name"));
         continue;
       }
       auto& rows = rowsOf[id];
@@ -128,6 +129,7 @@ public:
                                               std::string(id)));
       }
     }
+    m_rows.Finish();
     ReportFallbacks();
     if (!m_unsorted.empty()) {
       m_set.diagnostics.push_back(MakeWarning({m_file, m_geol.line, "GEOL_TOP"},
@@ -240,8 +242,7 @@ private:
     for (std::size_t row = 0; row < m_geol.RowCount(); ++row) {
       const auto id = TrimSpaces(m_geol.Cell(row, m_geolKey));
       if (id.empty()) {
-        m_set.diagnostics.push_back(
-            MakeError(Ref(m_geol, row, m_names.key), "GEOL row without a hole name"));
+        m_rows.Add(MakeError(Ref(m_geol, row, m_names.key), "GEOL row without a hole name"));
         continue;
       }
       // The rows of a hole mostly follow each other: look the hole up only when it changes.
@@ -389,15 +390,13 @@ private:
                     (description.size() > 40 ? "...'" : "'") + ")";
           }
         }
-        m_set.diagnostics.push_back(
-            MakeWarning(Ref(m_geol, row, heading), what + "; the row is left out", id));
+        m_rows.Add(MakeWarning(Ref(m_geol, row, heading), what + "; the row is left out", id));
         return std::nullopt;
       }
       try {
         depths[k] = ParseDecimal(text, Ref(m_geol, row, heading));
       } catch (const ParseError& error) {
-        m_set.diagnostics.push_back(
-            MakeError(error.Where(), error.Message() + "; the row is left out", id));
+        m_rows.Add(MakeError(error.Where(), error.Message() + "; the row is left out", id));
         return std::nullopt;
       }
       baseText = text;
@@ -407,8 +406,7 @@ private:
     auto& record = stratum.record;
     record.where = Ref(m_geol, row, source.heading);
     if (code.empty()) {
-      m_set.diagnostics.push_back(
-          MakeWarning(record.where, "no code: the stratum gets an empty code", id));
+      m_rows.Add(MakeWarning(record.where, "no code: the stratum gets an empty code", id));
     } else if (source.column) {
       m_usedCodes[source.heading].insert(code);
     }
@@ -489,6 +487,7 @@ private:
   const AgsGroup& m_geol;
   const AgsGroup* m_abbr = nullptr;
   BoreholeSet& m_set;
+  RowDiagnostics m_rows;
   std::size_t m_keyColumn = 0;
   std::size_t m_geolKey = 0;
   std::size_t m_geolTop = 0;
