@@ -520,6 +520,9 @@ BoreholeSet ReadAgsBoreholes(std::string text, const std::string& file,
                              const ReadOptions& options) {
   BoreholeSet set;
   set.source = file;
+  if (auto utf16 = Utf16ToUtf8(text); utf16 && utf16->ok) { // as ReadSourceFile does
+    text = std::move(utf16->text);
+  }
   if (const auto bom = StripUtf8Bom(text); bom.size() != text.size()) {
     text.erase(0, text.size() - bom.size());
   }
