@@ -1,0 +1,65 @@
+"""The correlation through Python against the tool on the same real files: the same holes in the
+same order, the same lines to the last bit, the same region trees."""
+
+from concurrent.futures import ThreadPoolExecutor
+
+import pytest
+
+import xklink
+from conftest import ARARANGUA, NLE, REAL, pair_as_json, tool_json
+
+WOOLWICH = REAL / "dlr-woolwich" / "DLR_Woolwich_Extension.ags"
+
+# (file, keyword options of xklink.read, the same as the tool's options)
+SITES = [
+    (NLE, {}, []),
+    (WOOLWICH, {}, []),
+    (ARARANGUA / "ara_lito.csv", {"collars": ARARANGUA / "ara_collar.csv"},
+     ["--collars", ARARANGUA / "ara_collar.csv"]),
+    # Overlaps in other holes, which do not stop these; codes from another column.
+    (REAL / "m621-widening" / "M621_Widening.ags",
+     {"holes": "BH01,BH02,BH03,BH04", "code_column": "GEOL_LEG", "merge_repeats": True},
+     ["--holes", "BH01,BH02,BH03,BH04", "--code-column", "GEOL_LEG", "--merge-repeats"]),
+]
+
+
+@pytest.mark.parametrize("path, options, tool_options", SITES, ids=lambda v: getattr(v, "stem", ""))
+def test_lines_are_the_tools(path, options, tool_options):
+    expected = tool_json("lines", path, "--format", "json", *tool_options)
+    site = xklink.read(path, **options)
+    section = xklink.section(site)
+    assert [pair_as_json(p) for p in section.pairs] == expected
+
+    # The same pairs one by one on a pool of threads, each correlating with the GIL released.
+    holes = [site[h.name] for h in section.holes]
+    with ThreadPoolExecutor(max_workers=4) as pool:
+        pairs = list(pool.map(xklink.correlate, holes[:-1], holes[1:]))
+    assert [pair_as_json(p) for p in pairs] == expected
+
+
+def region_as_json(root):
+    """A region tree in the form of the tool's JSON, walked without recursion."""
+    def head(r):
+        return {"type": r.type, "named": r.named, "name": r.name, "begin1": r.begin1,
+                "end1": r.end1, "begin2": r.begin2, "end2": r.end2,
+                "top": [[p.x, p.y, p.z] for p in r.top],
+                "bottom": [[p.x, p.y, p.z] for p in r.bottom], "children": []}
+    out = head(root)
+    todo = [(root, out)]
+    while todo:
+        region, json_region = todo.pop()
+        for child in region.children:
+            json_child = head(child)
+            json_region["children"].append(json_child)
+            todo.append((child, json_child))
+    return out
+
+
+@pytest.mark.parametrize("path, a, b", [
+    (NLE, "BH01", "BH02"),
+    (WOOLWICH, "BH108", "BH111"),  # lenses inside lenses, four levels deep
+])
+def test_region_tree_is_the_tools(path, a, b):
+    expected = tool_json("regions", path, "--holes", f"{a},{b}")
+    site = xklink.read(path)
+    assert region_as_json(xklink.correlate(site[a], site[b]).tree) == expected

@@ -1,0 +1,92 @@
+"""Reading through Python: every problem of the input is one exception type located at its file,
+line and field; warnings are Python warnings; the holes come back with their fields."""
+
+import json
+import warnings
+
+import pytest
+
+import xklink
+from conftest import NLE, REAL
+
+BAD_JSON = """{"boreholes": [
+  {"name": "BH1", "x": 0, "y": 0, "top": 10, "strata": [{"code": "A", "top": 10, "bottom": 12}]},
+  {"name": "BH2", "x": 5, "y": 0, "top": 10, "strata": [{"code": "A", "top": 10, "bottom": 8}]}
+]}"""
+BAD_CSV = "HOLEID,X,Y,Z,FROM,TO,CODE\nBH1,0,0,10,0,2,A\nBH2,5,0,10,0,abc,A\n"
+
+
+def write(tmp_path, name, text):
+    path = tmp_path / name
+    path.write_text(text)
+    return path
+
+
+M621 = REAL / "m621-widening" / "M621_Widening.ags"
+
+# (a real file or the name and text of one, options, whether the error names the file, its line
+# and field, a part of the message). Problems of the options name no file.
+ERRORS = [
+    (("bad.json", BAD_JSON), {}, True, 2, "top", "top elevation 10 is below the base elevation 12"),
+    (("bad.csv", BAD_CSV), {}, True, 3, "TO", "not a number: 'abc'"),
+    (("missing.ags", None), {}, True, None, None, "cannot read the file"),
+    (M621, {}, True, 936, "GEOL_TOP", "overlaps the stratum on line 935"),
+    (NLE, {"holes": ["BH01", "BH1"]}, True, None, "holes", "holes: no hole 'BH1'"),
+    (NLE, {"holes": "BH01,,BH02"}, False, None, "holes", "holes: empty hole name"),
+    (NLE, {"input_format": "xml"}, False, None, "input_format", "input_format: unknown"),
+    (NLE, {"collars": NLE}, False, None, "collars", "collars: a collar table goes with a CSV"),
+    (NLE, {"depths": "deep"}, False, None, "depths", "depths: 'depth' or 'elevation'"),
+]
+
+
+@pytest.mark.parametrize("source, options, located, line, field, message", ERRORS,
+                         ids=[f"{e[3]}-{e[4]}" for e in ERRORS])
+def test_errors_name_file_line_and_field(tmp_path, source, options, located, line, field,
+                                         message):
+    path = source if not isinstance(source, tuple) else (
+        write(tmp_path, *source) if source[1] else tmp_path / source[0])
+    with pytest.raises(xklink.Error) as raised:
+        xklink.read(path, **options)
+    error = raised.value
+    assert (error.file, error.line, error.field) == (str(path) if located else None, line, field)
+    assert message in str(error)
+
+
+def test_holes_at_one_position_are_not_correlated():
+    site = xklink.read(REAL / "dlr-city-airport" / "DLR_City_Airport_Extension.ags",
+                       holes="TP222(S),TP222(N)")
+    with pytest.raises(xklink.Error, match="same plan position") as raised:
+        xklink.correlate(*site.holes)
+    assert (raised.value.line, raised.value.field) == (2394, "LOCA_ID")
+
+
+def test_warnings_are_python_warnings_with_their_place():
+    with warnings.catch_warnings(record=True) as caught:
+        warnings.simplefilter("always")
+        xklink.read(REAL / "dlr-woolwich" / "DLR_Woolwich_Extension.ags")
+    assert [(w.category, w.message.line, w.message.field) for w in caught] == [
+        (xklink.XklinkWarning, 3997, "LOCA_FDEP"), (xklink.XklinkWarning, 2066, "GEOL_TOP")]
+    with warnings.catch_warnings():
+        warnings.simplefilter("error", xklink.XklinkWarning)
+        with pytest.raises(xklink.XklinkWarning):
+            xklink.read(REAL / "dlr-woolwich" / "DLR_Woolwich_Extension.ags")
+
+
+def test_holes_and_strata_keep_the_files_values(tmp_path):
+    hole = {"name": "BH-é", "x": 512345.25, "y": 181234.5, "top": 12.5,
+            "strata": [{"code": "MG", "top": 12.5, "bottom": 11.0},
+                       {"code": "LC", "top": 11.0, "bottom": 0.25}]}
+    other = dict(hole, name="BH2", x=512400.0)
+    path = write(tmp_path, "site.json", json.dumps({"boreholes": [hole, other]}))
+    site = xklink.read(path)
+    read = site["BH-é"]
+    assert (read.name, read.x, read.y, read.ground_level) == ("BH-é", 512345.25, 181234.5, 12.5)
+    assert [(s.code, s.top, s.bottom) for s in read.strata] == [
+        ("MG", 12.5, 11.0), ("LC", 11.0, 0.25)]
+    assert [h.name for h in site.holes] == ["BH-é", "BH2"]
+
+    pandas = pytest.importorskip("pandas")
+    frame = read.strata_frame()
+    assert isinstance(frame, pandas.DataFrame)
+    assert frame[["code", "top", "bottom"]].values.tolist() == [
+        ["MG", 12.5, 11.0], ["LC", 11.0, 0.25]]
