@@ -8,6 +8,7 @@
 
 #include "BoreholeSet.h"
 #include "Diagnostics.h"
+#include "Input.h"
 
 #include <map>
 #include <memory>
@@ -28,10 +29,12 @@ struct Hole {
 using HolePtr = std::shared_ptr<Hole>; // never changed once read
 
 // The holes read from a file (or the ones asked for), in file order, with what the file says its
-// codes mean. `set` keeps the records for choosing and ordering the holes of a section.
+// codes mean. `set` keeps the records for choosing and ordering the holes of a section, `input`
+// how the file was read, for the grid its coordinates are on.
 struct Site {
   BoreholeSet set;
   std::vector<HolePtr> holes;
+  InputOptions input;
 };
 
 // An error of the input that Python sees as xklink.Error with its file, line and field.

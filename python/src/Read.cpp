@@ -89,6 +89,8 @@ std::shared_ptr<Site> Read(const std::filesystem::path& path,
   Report(problems);
 
   auto site = std::make_shared<Site>();
+  site->input = {path.string(), FormatName(format), collars ? collars->string() : "",
+                 depths.value_or(""), codeColumn.value_or(""), mergeRepeats};
   site->set = names.empty() ? std::move(all) : SelectNamed(all, names);
   for (const HoleRecord& record : site->set.holes) {
     site->holes.push_back(std::make_shared<Hole>(Hole{record, record.ToZK()}));

@@ -10,6 +10,7 @@
 #include "Binding.h"
 #include "Correlation.h"
 #include "Errors.h"
+#include "GisOutput.h"
 #include "LinesOutput.h"
 #include "OutputFile.h"
 #include "PairCorrelation.h"
@@ -33,6 +34,7 @@ struct SectionView {
   std::vector<Correlation> pairs; // holes[i] with holes[i + 1]
   Legend legend;
   DrawOptions draw;
+  InputOptions input; // how the site was read: the grid of its coordinates, for GIS
 
   // The drawing's view of the section; the trees are copied, the drawing only reads them.
   Section ToSection() const {
@@ -58,8 +60,14 @@ struct SectionView {
     return RenderSvg(ToSection(), legend, draw);
   }
 
+  // The grid of the coordinates: `crs` ("EPSG:27700"), else the one the file names.
+  int Grid(const std::optional<std::string>& crs) const {
+    return ResolveGrid(input, crs.value_or(""));
+  }
+
   // The text of the file `path` names by its extension, in the tool's format for it.
-  std::string Render(const std::filesystem::path& path) const {
+  std::string Render(const std::filesystem::path& path,
+                     const std::optional<std::string>& crs) const {
     std::string extension = path.extension().string();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -74,11 +82,21 @@ struct SectionView {
       return LinesToCsv(Lines());
     }
     if (extension == ".geojson") {
-      return LinesToGeoJson(Lines());
+      std::vector<PairLines> lines = Lines();
+      LinesToWgs84(lines, Grid(crs));
+      return LinesToGeoJson(lines);
+    }
+    if (extension == ".gpkg") {
+      SectionHoles section;
+      for (const SectionHole& hole : holes) {
+        section.names.push_back(hole.name);
+        section.holes.push_back(hole.zk);
+      }
+      return LinesToGeoPackage(section, Lines(), Grid(crs));
     }
     throw UsageError(path.string() +
-                     ": the file must be named .svg or .dxf (the drawing), .csv or .geojson "
-                     "(the section lines)");
+                     ": the file must be named .svg or .dxf (the drawing), .csv, .geojson or "
+                     ".gpkg (the section lines)");
   }
 };
 
@@ -103,6 +121,7 @@ SectionView MakeSection(const Site& site, const std::optional<HoleNames>& holeNa
     view.legend = ReadLegendCsv(*legend);
   }
   view.draw.title = title;
+  view.input = site.input;
   view.draw.exaggeration = exaggeration;
 
   const std::vector<HoleRecord> chosen = ChooseHoles(site, holeNames);
@@ -159,14 +178,18 @@ void BindSection(py::module_& module) {
       .def_property_readonly("title", [](const SectionView& s) { return s.draw.title; })
       .def(
           "write",
-          [](const SectionView& s, const std::filesystem::path& path) {
-            const std::string text = s.Render(path);
+          [](const SectionView& s, const std::filesystem::path& path,
+             const std::optional<std::string>& crs) {
+            const std::string text = s.Render(path, crs);
             py::gil_scoped_release release;
             WriteFileAtomically(path, text);
           },
-          py::arg("path"),
+          py::arg("path"), py::kw_only(), py::arg("crs") = py::none(),
           "Writes the section as the tool does, in the format the name says: .svg or .dxf (the "
-          "drawing), .csv or .geojson (the section lines). The file is complete or not there.")
+          "drawing), .csv, .geojson (on WGS 84) or .gpkg (GeoPackage on the file's grid) for the "
+          "section lines. crs: the grid of the coordinates as 'EPSG:27700', for .geojson and "
+          ".gpkg, when the file does not name it (AGS LOCA_GREF). The file is complete or not "
+          "there.")
       .def("_repr_svg_", &SectionView::Svg, "The drawing as SVG, shown inline by Jupyter")
       .def("__repr__", [](const SectionView& s) {
         return "<xklink.Section of " + std::to_string(s.holes.size()) + " holes>";
