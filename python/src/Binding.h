@@ -30,11 +30,12 @@ using HolePtr = std::shared_ptr<Hole>; // never changed once read
 
 // The holes read from a file (or the ones asked for), in file order, with what the file says its
 // codes mean. `set` keeps the records for choosing and ordering the holes of a section, `input`
-// how the file was read, for the grid its coordinates are on.
+// the file and its format, for the grid its coordinates are on.
 struct Site {
   BoreholeSet set;
   std::vector<HolePtr> holes;
   InputOptions input;
+  bool depthBelowGround = false; // no hole has a ground level: collars at 0, strata at -depth
 };
 
 // An error of the input that Python sees as xklink.Error with its file, line and field.
@@ -50,7 +51,7 @@ private:
 
 // Holes named by the user: a list, or "A,B,C" as on the command line.
 using HoleNames = std::variant<std::string, std::vector<std::string>>;
-std::vector<std::string> SplitNames(const HoleNames& names);
+std::vector<std::string> SplitNames(const HoleNames& names, const std::string& option);
 
 // The named holes of `set` in the order given (at least two): xklink.Error with the field
 // "holes" for an unknown name, a name given twice or fewer than two.

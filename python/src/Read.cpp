@@ -6,10 +6,10 @@
 // whole. Warnings become Python warnings; errors raise xklink.Error and no Site comes back, so a
 // notebook never works on holes the tool would refuse.
 #include "Binding.h"
+#include "HolePolicy.h"
 #include "HoleSelection.h"
 #include "ReadBoreholes.h"
 #include "Text.h"
-#include "Validation.h"
 
 #include <algorithm>
 #include <optional>
@@ -51,25 +51,11 @@ ReadOptions ToReadOptions(Format format, const std::optional<std::filesystem::pa
   return options;
 }
 
-// The problems that stop the holes asked for: those of the holes themselves and of the file as a
-// whole. A fault in a hole left out does not stop the others, as on the command line.
-std::vector<Diagnostic> Concerning(std::vector<Diagnostic> all,
-                                   const std::vector<std::string>& names) {
-  if (names.empty()) {
-    return all;
-  }
-  std::erase_if(all, [&](const Diagnostic& d) {
-    return !d.hole.empty() && std::find(names.begin(), names.end(), d.hole) == names.end();
-  });
-  return all;
-}
-
-std::shared_ptr<Site> Read(const std::filesystem::path& path,
-                           const std::optional<std::string>& inputFormat,
-                           const std::optional<std::filesystem::path>& collars,
-                           const std::optional<std::string>& depths,
-                           const std::optional<std::string>& codeColumn, bool mergeRepeats,
-                           const std::optional<HoleNames>& holes) {
+std::shared_ptr<Site>
+Read(const std::filesystem::path& path, const std::optional<std::string>& inputFormat,
+     const std::optional<std::filesystem::path>& collars, const std::optional<std::string>& depths,
+     const std::optional<std::string>& codeColumn, bool mergeRepeats,
+     const std::optional<HoleNames>& holes, const std::optional<HoleNames>& exclude, bool strict) {
   Format format = Format::Json;
   try {
     format = inputFormat ? FormatFromName(*inputFormat) : DetectFormat(path);
@@ -77,21 +63,39 @@ std::shared_ptr<Site> Read(const std::filesystem::path& path,
     BadOption("input_format", e.what());
   }
   const ReadOptions options = ToReadOptions(format, collars, depths, codeColumn, mergeRepeats);
-  const std::vector<std::string> names = holes ? SplitNames(*holes) : std::vector<std::string>{};
+  HolePolicy policy;
+  policy.named = holes ? SplitNames(*holes, "holes") : std::vector<std::string>{};
+  policy.excluded = exclude ? SplitNames(*exclude, "exclude") : std::vector<std::string>{};
+  policy.strict = strict;
 
   BoreholeSet all;
-  std::vector<Diagnostic> problems;
+  ChosenHoles chosen;
+  std::vector<Diagnostic> warnings;
+  std::vector<Diagnostic> errors;
   {
     py::gil_scoped_release release; // a large file takes a while; let other threads run
     all = ReadBoreholes(path, format, options);
-    problems = Concerning(ValidateBoreholes(all), names);
+    try {
+      chosen = ChooseHoles(
+          all, policy, [&](const Diagnostic& d) { warnings.push_back(d); },
+          [&](const Diagnostic& d) { errors.push_back(d); });
+    } catch (const SelectionError& e) {
+      throw InputFailure({all.source, 0, "holes"}, std::string("holes: ") + e.what());
+    }
   }
-  Report(problems);
+  warnings.insert(warnings.end(), errors.begin(), errors.end());
+  Report(warnings);
 
   auto site = std::make_shared<Site>();
-  site->input = {path.string(), FormatName(format), collars ? collars->string() : "",
-                 depths.value_or(""), codeColumn.value_or(""), mergeRepeats};
-  site->set = names.empty() ? std::move(all) : SelectNamed(all, names);
+  site->input.file = path.string();
+  site->input.format = FormatName(format);
+  site->input.collars = collars ? collars->string() : "";
+  site->depthBelowGround = chosen.depthBelowGround;
+  site->set.source = all.source;
+  site->set.fields = all.fields;
+  site->set.skipped = all.skipped;
+  site->set.codeDescriptions = all.codeDescriptions;
+  site->set.holes = std::move(chosen.holes);
   for (const HoleRecord& record : site->set.holes) {
     site->holes.push_back(std::make_shared<Hole>(Hole{record, record.ToZK()}));
   }
@@ -100,12 +104,12 @@ std::shared_ptr<Site> Read(const std::filesystem::path& path,
 
 } // namespace
 
-std::vector<std::string> SplitNames(const HoleNames& names) {
+std::vector<std::string> SplitNames(const HoleNames& names, const std::string& option) {
   try {
     return std::holds_alternative<std::string>(names) ? SplitHoleList(std::get<std::string>(names))
                                                       : std::get<std::vector<std::string>>(names);
   } catch (const SelectionError& e) {
-    BadOption("holes", e.what());
+    BadOption(option, e.what());
   }
 }
 
@@ -186,7 +190,8 @@ void BindRead(py::module_& module) {
   module.def("read", &Read, py::arg("path"), py::kw_only(), py::arg("input_format") = py::none(),
              py::arg("collars") = py::none(), py::arg("depths") = py::none(),
              py::arg("code_column") = py::none(), py::arg("merge_repeats") = false,
-             py::arg("holes") = py::none(),
+             py::arg("holes") = py::none(), py::arg("exclude") = py::none(),
+             py::arg("strict") = false,
              R"(Reads an AGS4, AGS 3.1, drillhole CSV or JSON borehole file.
 
 input_format: 'ags', 'csv' or 'json' (default: from the extension, else the first bytes);
@@ -194,10 +199,14 @@ collars: the collar table of a two-table drillhole CSV (path is then the interva
 depths: 'depth' or 'elevation', how CSV top and base are given (default: from the headings);
 code_column: the column of the stratum codes, such as 'GEOL_LEG' (default: the reader's);
 merge_repeats: join consecutive strata of one code that touch;
-holes: the holes wanted, in order, as a list or as 'A,B,C' (at least two; default: all).
+holes: the holes wanted, in order, as a list or as 'A,B,C' (at least two; default: all);
+exclude: holes never to use (only without holes);
+strict: refuse the file on any problem instead of leaving a hole or row out.
 
-Warnings are issued as xklink.XklinkWarning; any error raises xklink.Error with the file, line
-and field of the first.
+The holes are chosen as the tool chooses them for a section: without `holes`, a hole with an error
+in its log, a hole without ground level among holes with one, and the shallower of two holes at one
+plan position are left out with a warning. Warnings are issued as xklink.XklinkWarning; any error
+raises xklink.Error with the file, line and field of the first.
 
 **Example**:
 

@@ -42,7 +42,12 @@ struct SectionView {
     section.title = draw.title;
     section.holes = holes;
     for (std::size_t i = 0; i < pairs.size(); ++i) {
-      section.pairs.push_back({i, i + 1, pairs[i].tree, pairs[i].lines});
+      SectionPair pair;
+      pair.from = i;
+      pair.to = i + 1;
+      pair.root = pairs[i].tree;
+      pair.lines = pairs[i].lines;
+      section.pairs.push_back(std::move(pair));
     }
     return section;
   }
@@ -103,7 +108,7 @@ struct SectionView {
 // The holes of the section in order: those named, or every hole along the principal direction.
 std::vector<HoleRecord> ChooseHoles(const Site& site, const std::optional<HoleNames>& holes) {
   if (holes) {
-    return SelectNamed(site.set, SplitNames(*holes)).holes;
+    return SelectNamed(site.set, SplitNames(*holes, "holes")).holes;
   }
   std::vector<HoleRecord> ordered;
   for (const std::size_t i : OrderAlongPrincipalDirection(ToZKs(site.set.holes))) {
@@ -122,6 +127,7 @@ SectionView MakeSection(const Site& site, const std::optional<HoleNames>& holeNa
   }
   view.draw.title = title;
   view.input = site.input;
+  view.draw.depthBelowGround = site.depthBelowGround;
   view.draw.exaggeration = exaggeration;
 
   const std::vector<HoleRecord> chosen = ChooseHoles(site, holeNames);

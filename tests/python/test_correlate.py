@@ -16,6 +16,8 @@ SITES = [
     (WOOLWICH, {}, []),
     (ARARANGUA / "ara_lito.csv", {"collars": ARARANGUA / "ara_collar.csv"},
      ["--collars", ARARANGUA / "ara_collar.csv"]),
+    # Holes with overlapping strata and holes at one position left out, with warnings.
+    (REAL / "m621-widening" / "M621_Widening.ags", {}, []),
     # Overlaps in other holes, which do not stop these; codes from another column.
     (REAL / "m621-widening" / "M621_Widening.ags",
      {"holes": "BH01,BH02,BH03,BH04", "code_column": "GEOL_LEG", "merge_repeats": True},

@@ -27,10 +27,10 @@ M621 = REAL / "m621-widening" / "M621_Widening.ags"
 # (a real file or the name and text of one, options, whether the error names the file, its line
 # and field, a part of the message). Problems of the options name no file.
 ERRORS = [
-    (("bad.json", BAD_JSON), {}, True, 2, "top", "top elevation 10 is below the base elevation 12"),
+    (("bad.json", BAD_JSON), {"strict": True}, True, 2, "top", "top elevation 10 is below the base"),
     (("bad.csv", BAD_CSV), {}, True, 3, "TO", "not a number: 'abc'"),
     (("missing.ags", None), {}, True, None, None, "cannot read the file"),
-    (M621, {}, True, 936, "GEOL_TOP", "overlaps the stratum on line 935"),
+    (M621, {"strict": True}, True, 1461, "LOCA_NATE", "stands at the same plan position as"),
     (NLE, {"holes": ["BH01", "BH1"]}, True, None, "holes", "holes: no hole 'BH1'"),
     (NLE, {"holes": "BH01,,BH02"}, False, None, "holes", "holes: empty hole name"),
     (NLE, {"input_format": "xml"}, False, None, "input_format", "input_format: unknown"),
