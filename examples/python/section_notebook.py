@@ -49,6 +49,13 @@ for pair in pairs:
 # The drawing. In Jupyter, a cell ending in `section` shows it inline.
 
 # %%
-for name in ("battersea.svg", "battersea.dxf", "battersea-lines.geojson"):
+for name in ("battersea.svg", "battersea.dxf"):
     section.write(output / name)
     print("wrote", output / name)
+
+# %% [markdown]
+# The lines for GIS. The file does not say which grid its coordinates are on, so we say it:
+# British National Grid. GeoJSON is written in WGS 84 longitude and latitude.
+
+# %%
+section.write(output / "battersea-lines.geojson", crs="EPSG:27700")
