@@ -8,6 +8,7 @@
 
 #include "BoreholeSet.h"
 #include "Diagnostics.h"
+#include "Errors.h"
 #include "Input.h"
 
 #include <map>
@@ -38,11 +39,12 @@ struct Site {
   bool depthBelowGround = false; // no hole has a ground level: collars at 0, strata at -depth
 };
 
-// An error of the input that Python sees as xklink.Error with its file, line and field.
-class InputFailure : public std::runtime_error {
+// Errors found in the input, as Python sees them (xklink.Error): `Where()` is the place of the
+// first, the message lists them all, each with its place.
+class InputFailure : public InputError {
 public:
   InputFailure(SourceRef where, const std::string& message)
-      : std::runtime_error(message), m_where(std::move(where)) {}
+      : InputError(message), m_where(std::move(where)) {}
   const SourceRef& Where() const { return m_where; }
 
 private:
@@ -51,6 +53,7 @@ private:
 
 // Holes named by the user: a list, or "A,B,C" as on the command line.
 using HoleNames = std::variant<std::string, std::vector<std::string>>;
+// The names; xklink.Error naming `option` for an empty name.
 std::vector<std::string> SplitNames(const HoleNames& names, const std::string& option);
 
 // The named holes of `set` in the order given (at least two): xklink.Error with the field

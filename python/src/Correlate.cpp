@@ -34,8 +34,8 @@ std::string Repr(const CXk3DPoint& p) {
 // same plan position, and their correlation must stay within the work the tool takes on.
 void RequireCorrelatable(const Hole& a, const Hole& b) {
   Report(CheckSectionSpacing({a.record, b.record}));
-  if (EqualCodePairs(a.zk, b.zk) > kMaxEqualCodePairs) {
-    RequireWorkWithinLimit({a.record.name, b.record.name}, {a.zk, b.zk});
+  if (EqualCodePairs(a.record, b.record) > kMaxEqualCodePairs) {
+    RequireWorkWithinLimit({a.record, b.record});
   }
 }
 

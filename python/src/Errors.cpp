@@ -5,7 +5,6 @@
 // it in one place, and carries the place as attributes, so that a script can point at the row
 // without parsing the message. Warnings go through Python's warnings machinery, where the user
 // filters them, turns them into errors or records them.
-#include "Errors.h"
 
 #include "Binding.h"
 #include "Section.h"
@@ -99,17 +98,11 @@ void BindErrors(py::module_& module) {
       std::rethrow_exception(failure);
     } catch (const InputFailure& e) {
       Raise(Located(g_error, e.what(), e.Where()));
-    } catch (const ParseError& e) {
+    } catch (const ParseError& e) { // the tool's one family: usage, input, output
       Raise(Located(g_error, e.what(), e.Where()));
     } catch (const LegendError& e) {
       Raise(
           Located(g_error, e.what(), py::str(e.file().string()), LineOrNone(e.line()), py::none()));
-    } catch (const InputError& e) {
-      Raise(Located(g_error, e.what(), py::none(), py::none(), py::none()));
-    } catch (const UsageError& e) {
-      Raise(Located(g_error, e.what(), py::none(), py::none(), py::none()));
-    } catch (const OutputError& e) {
-      Raise(Located(g_error, e.what(), py::none(), py::none(), py::none()));
     } catch (const DrawingError& e) {
       Raise(Located(g_error, e.what(), py::none(), py::none(), py::none()));
     }

@@ -8,6 +8,7 @@
 #include "Section.h"
 
 #include "Binding.h"
+#include "Colour.h"
 #include "Correlation.h"
 #include "Errors.h"
 #include "GisOutput.h"
@@ -32,7 +33,7 @@ namespace {
 struct SectionView {
   std::vector<SectionHole> holes; // in order along the section, with their chainages
   std::vector<Correlation> pairs; // holes[i] with holes[i + 1]
-  Legend legend;
+  Legend legend;                  // every code of the section with its colour and meaning
   DrawOptions draw;
   InputOptions input; // how the site was read: the grid of its coordinates, for GIS
 
@@ -122,9 +123,7 @@ SectionView MakeSection(const Site& site, const std::optional<HoleNames>& holeNa
                         const std::optional<std::filesystem::path>& legend, unsigned jobs) {
   SectionView view;
   // The legend is read first: a bad legend line should not cost a long correlation.
-  if (legend) {
-    view.legend = ReadLegendCsv(*legend);
-  }
+  const Legend given = legend ? ReadLegendCsv(*legend) : Legend{};
   view.draw.title = title;
   view.input = site.input;
   view.draw.depthBelowGround = site.depthBelowGround;
@@ -141,7 +140,7 @@ SectionView MakeSection(const Site& site, const std::optional<HoleNames>& holeNa
     names.push_back(hole.name);
   }
   const std::vector<DataType::_sZK> zks = ToZKs(chosen);
-  RequireWorkWithinLimit(names, zks);
+  RequireWorkWithinLimit(chosen);
 
   std::vector<PairResult> results;
   {
@@ -156,6 +155,7 @@ SectionView MakeSection(const Site& site, const std::optional<HoleNames>& holeNa
     view.pairs.push_back(
         {names[i], names[i + 1], std::move(results[i].root), std::move(results[i].lines)});
   }
+  view.legend = drawing::SectionLegend(given, view.ToSection(), site.set.codeDescriptions);
   return view;
 }
 
