@@ -36,12 +36,14 @@ struct SectionView {
   Legend legend;                  // every code of the section with its colour and meaning
   DrawOptions draw;
   InputOptions input; // how the site was read: the grid of its coordinates, for GIS
+  std::optional<drawing::Alignment> alignment; // the line the chainages are measured along
 
   // The drawing's view of the section; the trees are copied, the drawing only reads them.
   Section ToSection() const {
     Section section;
     section.title = draw.title;
     section.holes = holes;
+    section.alignment = alignment;
     for (std::size_t i = 0; i < pairs.size(); ++i) {
       SectionPair pair;
       pair.from = i;
@@ -147,10 +149,11 @@ SectionView MakeSection(const Site& site, const std::optional<HoleNames>& holeNa
     py::gil_scoped_release release;
     results = CorrelateConsecutivePairs(zks, jobs, true);
   }
-  const std::vector<double> chainage = Chainages(zks);
-  for (std::size_t i = 0; i < zks.size(); ++i) {
-    view.holes.push_back({names[i], chainage[i], zks[i]});
-  }
+  // As the tool lays out a section without a given line: the named holes on a fence through
+  // them in order, every hole on the best-fit line.
+  view.alignment =
+      holeNames ? drawing::FenceLine(PlanPositions(zks)) : drawing::BestFitLine(PlanPositions(zks));
+  view.holes = PlaceOnLine(*view.alignment, names, zks);
   for (std::size_t i = 0; i < results.size(); ++i) {
     view.pairs.push_back(
         {names[i], names[i + 1], std::move(results[i].root), std::move(results[i].lines)});
