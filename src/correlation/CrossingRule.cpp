@@ -52,7 +52,7 @@ void SettleCrossings(std::vector<StratumPair>& pairs, std::vector<StratumPair*>&
     if (!fallen.dropped) {
       continue;
     }
-    const auto standing = [&fallen](const StratumPair& other) { return !other.dropped; };
+    const auto standing = [](const StratumPair& other) { return !other.dropped; };
     bool blocked = false;
     bool sharing = false;
     for (const StratumPair& other : pairs) {
