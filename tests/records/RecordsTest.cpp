@@ -1,5 +1,6 @@
-// The exported records: the member layout the host's binary relies on, default values, copies and
-// moves (deep for strata and region subtrees), GetBotGC and IsSame.
+// The exported records as the host's binary sees them: the order of the members, deep copies and
+// moves of region trees, and the point's guarded division and plane geometry, which nothing else in
+// the library exercises.
 #include <XKLinkDc/XKLinkDc.h>
 #include <algorithm>
 #include <cmath>
@@ -7,9 +8,7 @@
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <limits>
-#include <sstream>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -22,15 +21,12 @@ using DataType::_sZKDC;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// --- binary interface: the order of the members ------------------------------------------------
-
 constexpr bool Ascending(std::initializer_list<std::size_t> offsets) {
   return std::is_sorted(offsets.begin(), offsets.end()) &&
          std::adjacent_find(offsets.begin(), offsets.end()) == offsets.end();
 }
 
-static_assert(std::is_standard_layout_v<CXk3DPoint> && sizeof(CXk3DPoint) == 3 * sizeof(double) &&
-              offsetof(CXk3DPoint, x) == 0 && offsetof(CXk3DPoint, z) == 2 * sizeof(double));
+static_assert(sizeof(CXk3DPoint) == 3 * sizeof(double) && offsetof(CXk3DPoint, z) == 16);
 // The records hold strings, so offsetof is only conditionally supported; GCC and Clang give the
 // layout order, which is what the host relies on.
 #pragma GCC diagnostic push
@@ -50,173 +46,126 @@ static_assert(Ascending({offsetof(_sLinkLine, pt1), offsetof(_sLinkLine, pt2),
                          offsetof(_sLinkLine, strUpName), offsetof(_sLinkLine, strDownName)}));
 #pragma GCC diagnostic pop
 
-// --- every member of a record as text, children included ----------------------------------------
-
-template <class... T> std::string Join(const T&... parts) {
-  std::ostringstream out;
-  out.precision(17);
-  ((out << parts << ' '), ...);
-  return out.str();
-}
-std::string W(const std::wstring& text) {
-  return {text.begin(), text.end()};
-} // ASCII names
-std::string P(const CXk3DPoint& p) {
-  return Join(p.x, p.y, p.z);
-}
-std::string Describe(const _sZKDC& d) {
-  return Join(W(d.strName), d.dTopGC, d.dBotGC, d.dAux, d.bAux);
-}
-std::string Describe(const _sLinkLine& l) {
-  return Join(P(l.pt1), P(l.pt2), l.nType, l.bBottom, W(l.strUpName), W(l.strDownName));
-}
-std::string Describe(const _sLinkRegion& r);
-template <class Item> std::string List(const std::vector<Item>& items) {
-  std::string out = "[";
-  for (const Item& item : items) {
-    out += Describe(item) + ";";
+// Every member of a tree, children included, as text.
+std::wstring Describe(const _sLinkRegion& r) {
+  std::wstring out = std::to_wstring(r.nType) + std::to_wstring(r.bNamed) + r.strName;
+  for (const double v : {double(r.nBegin1), double(r.nEnd1), double(r.nBegin2), double(r.nEnd2),
+                         r.ptTop[0].z, r.ptTop[1].y, r.ptBot[0].x, r.ptBot[1].z}) {
+    out += L" " + std::to_wstring(v);
   }
-  return out + "]";
-}
-std::string Describe(const _sZK& z) {
-  return Join(W(z.strName), z.dTopGC, z.dX, z.dY, List(z.vecDC));
-}
-std::string Describe(const _sLinkRegion& r) {
-  return Join(r.nType, r.bNamed, W(r.strName), r.nBegin1, r.nEnd1, r.nBegin2, r.nEnd2,
-              P(r.ptTop[0]), P(r.ptTop[1]), P(r.ptBot[0]), P(r.ptBot[1]), List(r.vecChild));
+  out += L" [";
+  for (const _sLinkRegion& child : r.vecChild) {
+    out += Describe(child) + L";";
+  }
+  return out + L"]";
 }
 
-_sZKDC Stratum(const wchar_t* name, double top, double bot, double aux = 0.0, bool flag = false) {
-  _sZKDC dc;
-  dc.strName = name;
-  dc.dTopGC = top;
-  dc.dBotGC = bot;
-  dc.dAux = aux;
-  dc.bAux = flag;
-  return dc;
-}
-
-// A region whose every member differs from the defaults and from every other region's.
-_sLinkRegion Region(int32_t seed, std::vector<_sLinkRegion> children = {}) {
+_sLinkRegion Region(int seed, std::vector<_sLinkRegion> children = {}) {
   _sLinkRegion r;
   r.nType = seed % 3;
-  r.bNamed = true;
+  r.bNamed = seed % 2 == 1;
   r.strName = std::to_wstring(seed);
-  int32_t* ranges[] = {&r.nBegin1, &r.nEnd1, &r.nBegin2, &r.nEnd2};
-  for (int i = 0; i < 4; ++i) {
-    *ranges[i] = seed + i;
-  }
-  for (int i = 0; i < 2; ++i) {
-    r.ptTop[i] = CXk3DPoint(seed + 60.0 * i, 0.5 + i, 100.0 - seed + i);
-    r.ptBot[i] = CXk3DPoint(seed + 60.0 * i, 2.5 + i, 90.0 - seed + i);
-  }
+  r.nBegin1 = seed;
+  r.nEnd1 = seed + 1;
+  r.nBegin2 = seed + 2;
+  r.nEnd2 = seed + 3;
+  r.ptTop[0] = CXk3DPoint(0.0, 0.0, 100.0 - seed);
+  r.ptTop[1] = CXk3DPoint(0.0, seed + 0.5, 0.0);
+  r.ptBot[0] = CXk3DPoint(seed * 2.0, 0.0, 0.0);
+  r.ptBot[1] = CXk3DPoint(0.0, 0.0, 90.0 - seed);
   r.vecChild = std::move(children);
   return r;
 }
 
-_sLinkLine Line(double x1, double y1, double z1, double x2, double y2, double z2) {
-  _sLinkLine l;
-  l.pt1 = CXk3DPoint(x1, y1, z1);
-  l.pt2 = CXk3DPoint(x2, y2, z2);
-  return l;
-}
-
-// Copy and move construction and assignment into a record holding `other`, and self-assignment,
-// each end with every member of `sample`, and leave the sample as it was.
-template <class Record> void ExpectCopiesAndMoves(Record sample, const Record& other) {
-  const std::string want = Describe(sample);
-  ASSERT_NE(want, Describe(other));
-  Record copy(sample);
-  Record assigned(other);
-  EXPECT_EQ(&(assigned = sample), &assigned);
+TEST(RecordsTest, TreesAreCopiedAndMovedWholeOverTreesOfAnotherShape) {
+  const _sLinkRegion sample = Region(
+      1, {Region(11, {Region(111, {Region(1111)}), Region(112)}), Region(12, {Region(121)})});
+  const std::wstring want = Describe(sample);
+  _sLinkRegion assigned = Region(7, {Region(71), Region(72, {Region(721), Region(722)})});
+  ASSERT_NE(Describe(assigned), want);
+  assigned = sample;
   EXPECT_EQ(Describe(assigned), want);
-  Record& alias = assigned;
-  EXPECT_EQ(&(assigned = alias), &assigned);
-  Record moveAssigned(other);
-  EXPECT_EQ(&(moveAssigned = Record(std::move(copy))), &moveAssigned);
-  for (const Record* r : {&sample, &assigned, &moveAssigned}) {
-    EXPECT_EQ(Describe(*r), want);
-  }
-}
-
-TEST(RecordsTest, DefaultsAreEmptyZeroAndMinusOneForRanges) {
-  EXPECT_EQ(Describe(_sZKDC()), " 0 0 0 0 ");
-  EXPECT_EQ(Describe(_sZK()), " 0 0 0 [] ");
-  EXPECT_EQ(Describe(_sLinkRegion()), "0 0  -1 -1 -1 -1 0 0 0  0 0 0  0 0 0  0 0 0  [] ");
-  EXPECT_EQ(Describe(_sLinkLine()), "0 0 0  0 0 0  0 0   ");
-}
-
-TEST(RecordsTest, CopiesAndMovesKeepEveryMemberOfEveryLevel) {
-  ExpectCopiesAndMoves(Stratum(L"Q4ml", 12.5, -3.25, 7.75, true), Stratum(L"x", 1.0, 2.0, 3.0));
+  EXPECT_EQ(Describe(_sLinkRegion(sample)), want);
+  _sLinkRegion moved = Region(5, {Region(51)});
+  moved = _sLinkRegion(sample);
+  EXPECT_EQ(Describe(moved), want);
+  // A descendant assigned to its ancestor, and a tree to itself.
+  moved = moved.vecChild[0];
+  EXPECT_EQ(Describe(moved), Describe(sample.vecChild[0]));
+  _sLinkRegion& alias = assigned;
+  assigned = alias;
+  EXPECT_EQ(Describe(assigned), want);
+  EXPECT_EQ(Describe(sample), want);
+  // The strata of a borehole are copied and moved with it.
   _sZK zk;
-  zk.strName = L"ZK-07";
-  zk.dTopGC = 101.5;
-  zk.dX = 3500123.25;
-  zk.dY = 412345.5;
-  zk.vecDC = {Stratum(L"A", 101.5, 95.0, 1.0, true), Stratum(L"B", 95.0, 90.0),
-              Stratum(L"C", 90.0, 80.0, -2.0, true)};
-  for (std::size_t n : {0u, 2u, 5u}) { // over fewer and more strata
-    _sZK target;
-    target.vecDC.assign(n, Stratum(L"old", 1.0, 0.0, 9.0, true));
-    ExpectCopiesAndMoves(zk, target);
-  }
-  _sLinkLine line = Line(1.0, 2.0, 3.0, 4.0, 5.0, 6.0);
-  line.nType = 2;
-  line.bBottom = true;
-  line.strUpName = L"up";
-  line.strDownName = L"down";
-  ExpectCopiesAndMoves(line, _sLinkLine());
-  // Four levels of an uneven tree, over a tree of another shape.
-  ExpectCopiesAndMoves(Region(1, {Region(11, {Region(111, {Region(1111)}), Region(112)}),
-                                  Region(12, {Region(121)})}),
-                       Region(7, {Region(71), Region(72, {Region(721), Region(722)})}));
+  zk.vecDC.resize(3);
+  zk.vecDC[2].strName = L"C";
+  _sZK copy;
+  copy.vecDC.resize(5);
+  copy = zk;
+  _sZK movedZk(std::move(copy));
+  ASSERT_EQ(movedZk.vecDC.size(), 3u);
+  EXPECT_EQ(movedZk.vecDC[2].strName, L"C");
 }
 
-// The collar is the starting value; a bottom that is not strictly greater replaces it, so NaN
-// replaces the running value and is replaced by the next bottom, whatever it is.
-TEST(RecordsTest, GetBotGCIsTheLowestOfCollarAndBottoms) {
+TEST(PointTest, DivisorBelowToleranceIsReplacedByPositiveTenThousandth) {
   const struct {
-    double collar;
-    std::vector<double> bottoms;
-    double expected; // NaN: the result is not a number
-  } cases[] = {
-      {100.0, {}, 100.0},          {100.0, {80.0, 95.0, 90.0}, 80.0}, {10.0, {20.0, 30.0}, 10.0},
-      {-5.0, {-5.0}, -5.0},        {100.0, {90.0, kNaN, 95.0}, 95.0}, {100.0, {kNaN, 120.0}, 120.0},
-      {100.0, {90.0, kNaN}, kNaN}, {kNaN, {50.0, 60.0}, 50.0},        {kNaN, {}, kNaN}};
+    double divisor, used;
+  } cases[] = {{0.0, 1e-4},  {-0.0, 1e-4},   {-9e-6, 1e-4}, {9.99e-6, 1e-4},
+               {1e-5, 1e-5}, {-1e-5, -1e-5}, {-4.0, -4.0}};
   for (const auto& c : cases) {
-    _sZK zk;
-    zk.dTopGC = c.collar;
-    for (double bottom : c.bottoms) {
-      zk.vecDC.push_back(Stratum(L"A", -1000.0, bottom)); // tops play no part
+    SCOPED_TRACE(c.divisor);
+    CXk3DPoint p(1.0, -2.0, 0.5);
+    p /= c.divisor;
+    for (const CXk3DPoint& v : {CXk3DPoint(1.0, -2.0, 0.5) / c.divisor, p}) {
+      EXPECT_EQ(v.x, 1.0 / c.used);
+      EXPECT_EQ(v.z, 0.5 / c.used);
     }
-    EXPECT_EQ(Join(zk.GetBotGC()), Join(c.expected)) << Describe(zk);
   }
 }
 
-TEST(RecordsTest, IsSameComparesEndsInOrderWithinTolerance) {
-  const _sLinkLine base = Line(10.0, 20.0, 95.0, 70.0, 20.0, 96.0);
-  _sLinkLine named = base; // names, type and flag play no part
-  named.strUpName = L"A";
-  named.bBottom = true;
-  named.nType = 2;
-  EXPECT_TRUE(base.IsSame(named) && named.IsSame(base));
-  EXPECT_FALSE(base.IsSame(Line(70.0, 20.0, 96.0, 10.0, 20.0, 95.0))); // reversed
-  // Each of the six coordinates moved alone: 5e-6 is within the tolerance, 2e-5 is not.
-  for (int k = 0; k < 6; ++k) {
-    for (double delta : {5e-6, -2e-5}) {
-      _sLinkLine moved = base;
-      double* coords[] = {&moved.pt1.x, &moved.pt1.y, &moved.pt1.z,
-                          &moved.pt2.x, &moved.pt2.y, &moved.pt2.z};
-      *coords[k] += delta;
-      EXPECT_EQ(base.IsSame(moved), delta > 0) << "coordinate " << k << " moved by " << delta;
-      EXPECT_EQ(moved.IsSame(base), delta > 0) << "coordinate " << k << " moved by " << delta;
-    }
+TEST(PlaneGeometryTest, CircleThroughThreePointsAndPointsInsideIt) {
+  const struct {
+    double x1, y1, x2, y2, x3, y3;
+    int expected;
+    double r, cx, cy;
+  } circles[] = {
+      {0.0, 0.0, 0.0, 2.0, 2.0, 0.0, 1, std::sqrt(2.0), 1.0, 1.0}, // clockwise
+      {1010.0, -500.0, 1000.0, -490.0, 990.0, -500.0, 1, 10.0, 1000.0, -500.0},
+      {0.0, 0.0, 1.0, 1.0, 2.0, 2.0, 0, 7.0, 8.0, 9.0}, // degenerate: the outputs keep their values
+      {0.0, 0.0, 1e-3, 0.0, 0.0, 1e-3, 0, 7.0, 8.0, 9.0}, // cross product 1e-6
+  };
+  for (const auto& c : circles) {
+    SCOPED_TRACE(testing::Message() << c.x1 << "," << c.y1 << " " << c.x2 << "," << c.y2);
+    double r = 7.0;
+    double cx = 8.0;
+    double cy = 9.0;
+    EXPECT_EQ(CXk3DPoint::Get_3P_Circle(c.x1, c.y1, c.x2, c.y2, c.x3, c.y3, r, cx, cy), c.expected);
+    EXPECT_NEAR(r, c.r, 1e-9);
+    EXPECT_NEAR(cx, c.cx, 1e-9);
+    EXPECT_NEAR(cy, c.cy, 1e-9);
   }
-  // Below magnitude 1 the difference must also be small relative to the value; a coordinate that
-  // is not a number matches nothing, not even itself.
-  EXPECT_FALSE(Line(0.3, 0, 0, 1, 1, 1).IsSame(Line(0.300005, 0, 0, 1, 1, 1)));
-  const _sLinkLine undefined = Line(1.0, 2.0, 3.0, 4.0, 5.0, kNaN);
-  EXPECT_FALSE(undefined.IsSame(undefined));
+  EXPECT_EQ(CXk3DPoint::IsPtInCircle(1000.000005, -50.0, 999.0, -50.0, 1.0), 1);
+  EXPECT_EQ(CXk3DPoint::IsPtInCircle(1000.00002, -50.0, 999.0, -50.0, 1.0), 0);
+  EXPECT_EQ(CXk3DPoint::IsPtInCircle(kNaN, 0.0, 0.0, 0.0, 1.0), 0);
+  EXPECT_EQ(CXk3DPoint::IsConllinear({}, {1000.0, 0.0, 0.0}, {2000.0, 1e-9, 0.0}), 1);
+  EXPECT_EQ(CXk3DPoint::IsConllinear({}, {1000.0, 0.0, 0.0}, {2000.0, 1e-7, 0.0}), 0);
+  // The circle through (0, 0), (2, 0), (0, 2), whichever way round: 1 inside, 0 on, -1 outside.
+  const double r = std::sqrt(2.0);
+  const struct {
+    double px, py;
+    int expected;
+  } in3P[] = {{1.0, 1.0, 1},
+              {0.0, 0.0, 0},
+              {3.0, 3.0, -1},
+              {1.0 + r * (1.0 - 1e-5), 1.0, 1},
+              {1.0 + r * (1.0 + 1e-7), 1.0, 0},
+              {1.0 + r * (1.0 + 1e-5), 1.0, -1}};
+  for (const auto& c : in3P) {
+    SCOPED_TRACE(testing::Message() << c.px << "," << c.py);
+    EXPECT_EQ(CXk3DPoint::IsPtIn3PCircle(c.px, c.py, 0.0, 0.0, 2.0, 0.0, 0.0, 2.0), c.expected);
+    EXPECT_EQ(CXk3DPoint::IsPtIn3PCircle(c.px, c.py, 0.0, 0.0, 0.0, 2.0, 2.0, 0.0), c.expected);
+  }
 }
 
 } // namespace

@@ -1,10 +1,11 @@
-// Differential tests: the library's LinkDc and LinkDcLine (and the re-entrant context) against the
-// plain reference implementation, on many seeded random borehole pairs.
+// Differential tests: the library's LinkDc and LinkDcLine, and a CorrelationContext reused across a
+// whole group, against the plain reference implementation on many seeded random borehole pairs.
 //
 // Region trees must agree field by field, doubles bit for bit, and so must section lines, in
 // order: both sides sort them with the standard library's introsort (the reference with std::sort
 // itself), whose order is defined even where the ordering predicate is not a strict weak ordering.
-// Anything else is a failure, reported with the seed, the first differing field and the boreholes.
+// Anything else is a failure, reported with the group, the seed, the first differing field and the
+// boreholes.
 #include "reference/ReferenceCorrelation.h"
 #include "support/RandomBoreholes.h"
 
@@ -15,11 +16,10 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
+#include <ostream>
 #include <random>
 #include <sstream>
 #include <string>
-#include <tuple>
-#include <type_traits>
 #include <vector>
 
 namespace {
@@ -27,8 +27,11 @@ namespace {
 using DataType::_sLinkLine;
 using DataType::_sLinkRegion;
 using DataType::_sZK;
+using xktest::Chance;
+using xktest::UniformInt;
+using xktest::UniformReal;
 
-// Every field of a tree or a list of lines, one per line of text with its path, doubles as their
+// Every field of a tree or a list of lines, one per line of text with its path, doubles with their
 // bits: two results are identical exactly when their texts are, and the first line that differs
 // names the first differing field.
 std::string Num(double v) {
@@ -46,59 +49,46 @@ std::string Narrow(const std::wstring& w) {
   return s;
 }
 
-void Field(std::vector<std::string>& out, const std::string& path, const std::string& value) {
-  out.push_back(path + ": " + value);
+using Text = std::vector<std::string>;
+
+void Point(Text& out, const std::string& path, const CXk3DPoint& p) {
+  out.push_back(path + ": " + Num(p.x) + " " + Num(p.y) + " " + Num(p.z));
 }
 
-void Point(std::vector<std::string>& out, const std::string& path, const CXk3DPoint& p) {
-  Field(out, path + ".x", Num(p.x));
-  Field(out, path + ".y", Num(p.y));
-  Field(out, path + ".z", Num(p.z));
-}
-
-void Fields(std::vector<std::string>& out, const _sLinkRegion& r, const std::string& path) {
-  Field(out, path + ".nType", std::to_string(r.nType));
-  Field(out, path + ".bNamed", std::to_string(r.bNamed));
-  Field(out, path + ".strName", "\"" + Narrow(r.strName) + "\"");
-  Field(out, path + ".ranges",
-        std::to_string(r.nBegin1) + " " + std::to_string(r.nEnd1) + " " +
-            std::to_string(r.nBegin2) + " " + std::to_string(r.nEnd2));
+void Fields(Text& out, const _sLinkRegion& r, const std::string& path) {
+  out.push_back(path + ": kind " + std::to_string(r.nType) + " named " + std::to_string(r.bNamed) +
+                " \"" + Narrow(r.strName) + "\" ranges " + std::to_string(r.nBegin1) + " " +
+                std::to_string(r.nEnd1) + " " + std::to_string(r.nBegin2) + " " +
+                std::to_string(r.nEnd2) + ", " + std::to_string(r.vecChild.size()) + " children");
   for (int k = 0; k < 2; ++k) {
     Point(out, path + ".ptTop[" + std::to_string(k) + "]", r.ptTop[k]);
     Point(out, path + ".ptBot[" + std::to_string(k) + "]", r.ptBot[k]);
   }
-  Field(out, path + ".vecChild.size()", std::to_string(r.vecChild.size()));
   for (std::size_t k = 0; k < r.vecChild.size(); ++k) {
-    Fields(out, r.vecChild[k], path + ".vecChild[" + std::to_string(k) + "]");
+    Fields(out, r.vecChild[k], path + "/" + std::to_string(k));
   }
 }
 
-void Fields(std::vector<std::string>& out, const std::vector<_sLinkLine>& lines) {
-  Field(out, "lines.size()", std::to_string(lines.size()));
+void Fields(Text& out, const std::vector<_sLinkLine>& lines, const std::string& path) {
+  out.push_back(path + ": " + std::to_string(lines.size()) + " lines");
   for (std::size_t k = 0; k < lines.size(); ++k) {
     const _sLinkLine& l = lines[k];
-    const std::string path = "lines[" + std::to_string(k) + "]";
-    Point(out, path + ".pt1", l.pt1);
-    Point(out, path + ".pt2", l.pt2);
-    Field(out, path + ".nType", std::to_string(l.nType));
-    Field(out, path + ".bBottom", std::to_string(l.bBottom));
-    Field(out, path + ".names",
-          "\"" + Narrow(l.strUpName) + "\" / \"" + Narrow(l.strDownName) + "\"");
+    const std::string at = path + "[" + std::to_string(k) + "]";
+    Point(out, at + ".pt1", l.pt1);
+    Point(out, at + ".pt2", l.pt2);
+    out.push_back(at + ": kind " + std::to_string(l.nType) + " bottom " +
+                  std::to_string(l.bBottom) + " \"" + Narrow(l.strUpName) + "\" / \"" +
+                  Narrow(l.strDownName) + "\"");
   }
 }
 
 // The first differing field of two results, or nothing.
 template <class Result>
 std::string FirstDifference(const Result& lib, const Result& ref, const std::string& path) {
-  std::vector<std::string> a;
-  std::vector<std::string> b;
-  if constexpr (std::is_same_v<Result, _sLinkRegion>) {
-    Fields(a, lib, path);
-    Fields(b, ref, path);
-  } else {
-    Fields(a, lib);
-    Fields(b, ref);
-  }
+  Text a;
+  Text b;
+  Fields(a, lib, path);
+  Fields(b, ref, path);
   const auto [x, y] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
   if (x == a.end() && y == b.end()) {
     return {};
@@ -107,56 +97,49 @@ std::string FirstDifference(const Result& lib, const Result& ref, const std::str
          (y == b.end() ? std::string("(nothing)") : *y);
 }
 
-// ---------------------------------------------------------------------------------------------
-// Running both sides
-
 std::string Describe(const _sZK& zk) {
   std::ostringstream os;
   os << "  collar " << Num(zk.dTopGC) << " at (" << Num(zk.dX) << ", " << Num(zk.dY) << "), "
      << zk.vecDC.size() << " strata\n";
-  if (zk.vecDC.size() <= 60) {
-    for (const auto& dc : zk.vecDC) {
-      os << "    \"" << Narrow(dc.strName) << "\" " << Num(dc.dTopGC) << " .. " << Num(dc.dBotGC)
-         << "\n";
-    }
+  for (std::size_t k = 0; k < zk.vecDC.size() && k < 60; ++k) {
+    const auto& dc = zk.vecDC[k];
+    os << "    \"" << Narrow(dc.strName) << "\" " << Num(dc.dTopGC) << " .. " << Num(dc.dBotGC)
+       << "\n";
   }
   return os.str();
 }
 
-struct Tally {
-  int pairs = 0;
-  int failures = 0;
+// One case: two holes and the lines the caller already holds, which take part in merging, sorting
+// and removal.
+struct Case {
+  _sZK a;
+  _sZK b;
+  std::vector<_sLinkLine> start;
 };
 
-// Some caller lines already in the vector; they take part in merging, sorting and removal.
-std::vector<_sLinkLine> CallerLines(std::mt19937_64& rng, const _sZK& a, const _sZK& b) {
-  std::vector<_sLinkLine> lines;
-  const int n = xktest::UniformInt(rng, 1, 3);
-  for (int k = 0; k < n; ++k) {
-    _sLinkLine l;
-    l.pt1.x = a.dX;
-    l.pt1.y = a.dY;
-    l.pt2.x = b.dX;
-    l.pt2.y = b.dY;
-    // Either at a boundary of the holes (so that it merges) or anywhere.
-    if (!a.vecDC.empty() && !b.vecDC.empty() && xktest::Chance(rng, 0.5)) {
-      l.pt1.z = a.vecDC[0].dTopGC;
-      l.pt2.z = b.vecDC[0].dTopGC;
-    } else {
-      l.pt1.z = xktest::UniformReal(rng, 50, 150);
-      l.pt2.z = xktest::UniformReal(rng, 50, 150);
-    }
-    l.bBottom = xktest::Chance(rng, 0.5);
-    l.nType = 7;
-    l.strUpName = L"caller";
-    l.strDownName = xktest::Chance(rng, 0.5) ? L"" : L"old";
-    lines.push_back(l);
-  }
-  return lines;
+_sLinkLine CallerLine(const _sZK& a, const _sZK& b, double z1, double z2) {
+  _sLinkLine l;
+  l.pt1 = CXk3DPoint(a.dX, a.dY, z1);
+  l.pt2 = CXk3DPoint(b.dX, b.dY, z2);
+  l.nType = 7;
+  l.strUpName = L"caller";
+  return l;
 }
 
-// A root region left over from earlier use (but without children): the correlation must set every
-// member that it reads.
+// A few caller lines, at the top boundary of the holes (so that they merge) or anywhere.
+void AddCallerLines(std::mt19937_64& rng, Case& c) {
+  for (int k = UniformInt(rng, 1, 3); k > 0; --k) {
+    const bool atTop = !c.a.vecDC.empty() && !c.b.vecDC.empty() && Chance(rng, 0.5);
+    const double z1 = atTop ? c.a.vecDC[0].dTopGC : UniformReal(rng, 50, 150);
+    const double z2 = atTop ? c.b.vecDC[0].dTopGC : UniformReal(rng, 50, 150);
+    c.start.push_back(CallerLine(c.a, c.b, z1, z2));
+    c.start.back().bBottom = Chance(rng, 0.5);
+    c.start.back().strDownName = Chance(rng, 0.5) ? L"" : L"old";
+  }
+}
+
+// A root left over from earlier use (without children): the correlation must set every member
+// that it reads.
 _sLinkRegion StaleRoot() {
   _sLinkRegion r;
   r.nType = 2;
@@ -167,314 +150,228 @@ _sLinkRegion StaleRoot() {
   r.nBegin2 = -5;
   r.nEnd2 = 9;
   r.ptTop[0].z = 1e9;
-  r.ptTop[1].x = -3;
-  r.ptBot[0].y = 42;
-  r.ptBot[1].z = -1e9;
+  r.ptBot[1].x = -3;
   return r;
 }
 
-// The reference's lines of the tree ref appended to the caller's lines, merged, sorted and trimmed.
-std::vector<_sLinkLine> ReferenceLines(const _sLinkRegion& ref, std::vector<_sLinkLine> lines) {
-  reference::ReferenceAppendLeafLines(ref, lines);
-  reference::ReferenceMergeSameLines(lines);
-  reference::ReferenceSortLines(lines);
-  if (!lines.empty()) {
-    lines.erase(lines.begin());
-  }
-  return lines;
-}
-
-// LinkDcLine on the caller's lines against the reference's; what differs, or nothing.
-std::string CheckLinkDcLine(const _sZK& a, const _sZK& b, const std::vector<_sLinkLine>& start,
-                            const std::vector<_sLinkLine>& expected) {
-  std::vector<_sLinkLine> lines = start;
-  LinkDcLine(a, b, lines);
-  return FirstDifference(lines, expected, "");
-}
-
-// Runs one pair through the library, the context and the reference; false on a mismatch, which is
-// reported with the group and seed that reproduce it.
-bool CheckPair(const char* group, uint64_t seed, const _sZK& a, const _sZK& b, std::mt19937_64& rng,
-               Tally& tally) {
-  ++tally.pairs;
-  std::string failure;
-
+// The first difference from the reference of the module's entries and of the context's (the
+// tree and lines at once, or one after the other).
+std::string Check(const Case& c, bool staleRoot, bool bothAtOnce,
+                  XKLinkDc::CorrelationContext& context) {
   _sLinkRegion ref;
-  reference::ReferenceLinkDc(a, b, ref);
-  _sLinkRegion lib = xktest::Chance(rng, 0.2) ? StaleRoot() : _sLinkRegion();
-  LinkDc(a, b, lib);
-  failure = FirstDifference(lib, ref, "LinkDc: root");
-  if (failure.empty()) {
-    XKLinkDc::CorrelationContext context;
+  reference::ReferenceLinkDc(c.a, c.b, ref);
+  std::vector<_sLinkLine> expected = c.start;
+  reference::ReferenceAppendLeafLines(ref, expected);
+  reference::ReferenceMergeSameLines(expected);
+  reference::ReferenceSortLines(expected);
+  if (!expected.empty()) {
+    expected.erase(expected.begin());
+  }
+
+  _sLinkRegion lib = staleRoot ? StaleRoot() : _sLinkRegion();
+  LinkDc(c.a, c.b, lib);
+  std::string why = FirstDifference(lib, ref, "LinkDc root");
+  std::vector<_sLinkLine> lines = c.start;
+  if (why.empty()) {
+    LinkDcLine(c.a, c.b, lines);
+    why = FirstDifference(lines, expected, "LinkDcLine lines");
+  }
+  if (why.empty()) {
     _sLinkRegion viaContext;
-    context.LinkDc(a, b, viaContext);
-    failure = FirstDifference(viaContext, ref, "CorrelationContext::LinkDc: root");
-  }
-
-  if (failure.empty()) {
-    std::vector<_sLinkLine> start;
-    if (xktest::Chance(rng, 0.1)) {
-      start = CallerLines(rng, a, b);
+    lines = c.start;
+    if (bothAtOnce) {
+      context.LinkDcTreeAndLines(c.a, c.b, viaContext, lines);
+    } else {
+      context.LinkDc(c.a, c.b, viaContext);
+      context.LinkDcLine(c.a, c.b, lines);
     }
-    const std::vector<_sLinkLine> expected = ReferenceLines(ref, start);
-    const std::string why = CheckLinkDcLine(a, b, start, expected);
-    if (!why.empty()) {
-      failure = "LinkDcLine: " + why;
-    }
-    if (failure.empty()) {
-      XKLinkDc::CorrelationContext context;
-      std::vector<_sLinkLine> ctxLines = start;
-      context.LinkDcLine(a, b, ctxLines);
-      const std::string viaContext = FirstDifference(ctxLines, expected, "");
-      if (!viaContext.empty()) {
-        failure = "CorrelationContext::LinkDcLine: " + viaContext;
-      }
+    why = FirstDifference(viaContext, ref, "context root");
+    if (why.empty()) {
+      why = FirstDifference(lines, expected, "context lines");
     }
   }
-
-  if (failure.empty()) {
-    return true;
-  }
-  ++tally.failures;
-  ADD_FAILURE() << group << ", seed " << seed << ": " << failure << "\nborehole 1:\n"
-                << Describe(a) << "borehole 2:\n"
-                << Describe(b);
-  return false;
+  return why;
 }
 
-void Report(const char* what, const Tally& t) {
-  std::printf("[ %s ] %d pairs, failures %d\n", what, t.pairs, t.failures);
+xktest::RandomBoreholeOptions Options(int minStrata, int maxStrata, int minCodes, int maxCodes,
+                                      double repeat, std::mt19937_64& rng) {
+  xktest::RandomBoreholeOptions opt;
+  opt.minStrata = minStrata;
+  opt.maxStrata = maxStrata;
+  opt.codeCount = UniformInt(rng, minCodes, maxCodes);
+  opt.repeatPreviousChance = repeat;
+  return opt;
 }
 
-// Runs count seeded pairs drawn with options from makeOptions; stops at the first failure.
-void RunSeeds(const char* what, uint64_t firstSeed, int count,
-              const std::function<xktest::RandomBoreholeOptions(std::mt19937_64&)>& makeOptions,
-              double samePlaceChance = 0.03) {
-  Tally tally;
-  for (int k = 0; k < count; ++k) {
-    const uint64_t seed = firstSeed + static_cast<uint64_t>(k);
-    std::mt19937_64 rng(seed);
-    const xktest::RandomBoreholeOptions opt = makeOptions(rng);
-    auto [a, b] = xktest::RandomBoreholePair(rng, opt, samePlaceChance);
-    if (!CheckPair(what, seed, a, b, rng, tally)) {
-      break;
-    }
-  }
-  Report(what, tally);
+Case Pair(std::mt19937_64& rng, const xktest::RandomBoreholeOptions& opt, double samePlace) {
+  auto [a, b] = xktest::RandomBoreholePair(rng, opt, samePlace);
+  return {std::move(a), std::move(b), {}};
 }
 
-// ---------------------------------------------------------------------------------------------
-
-TEST(Differential, TypicalBoreholes) {
-  RunSeeds("typical", 1000000, 2000, [](std::mt19937_64& rng) {
-    xktest::RandomBoreholeOptions opt;
-    opt.minStrata = 1;
-    opt.maxStrata = 30;
-    opt.codeCount = xktest::UniformInt(rng, 2, 8);
-    opt.numericCodes = xktest::Chance(rng, 0.3);
-    return opt;
-  });
-}
-
-TEST(Differential, FewCodesManyRepeats) {
-  // Envelopes, lenses inside lenses, fused runs and crossing pairs.
-  RunSeeds("few codes", 2000000, 1200, [](std::mt19937_64& rng) {
-    xktest::RandomBoreholeOptions opt;
-    opt.minStrata = 3;
-    opt.maxStrata = 40;
-    opt.codeCount = xktest::UniformInt(rng, 2, 4);
-    opt.repeatPreviousChance = 0.35;
-    opt.numericCodes = xktest::Chance(rng, 0.5);
-    return opt;
-  });
-}
-
-TEST(Differential, ManyCodes) {
-  // Detailed logging schemes with dozens of codes, few of them shared by the two holes.
-  RunSeeds("many codes", 7000000, 400, [](std::mt19937_64& rng) {
-    xktest::RandomBoreholeOptions opt;
-    opt.minStrata = 10;
-    opt.maxStrata = 60;
-    opt.codeCount = xktest::UniformInt(rng, 12, 40);
-    opt.numericCodes = xktest::Chance(rng, 0.5);
-    return opt;
-  });
-}
-
-TEST(Differential, DegenerateGeometry) {
-  // Holes without strata, zero thicknesses, gaps, sub-tolerance offsets, equal elevations on a
-  // coarse grid, empty codes, holes at one plan position.
-  RunSeeds(
-      "degenerate", 3000000, 1500,
-      [](std::mt19937_64& rng) {
-        xktest::RandomBoreholeOptions opt;
-        opt.minStrata = 0;
-        opt.maxStrata = 12;
-        opt.codeCount = xktest::UniformInt(rng, 1, 5);
-        opt.repeatPreviousChance = 0.25;
-        opt.emptyCodeChance = 0.05;
-        opt.zeroThicknessChance = 0.2;
-        opt.gapChance = 0.15;
-        opt.jitterChance = 0.15;
-        opt.gridChance = 0.9;
-        opt.gridStep = 2.0;
-        opt.minThickness = 0.0;
-        opt.maxThickness = 6.0;
-        opt.collarMin = 99.0;
-        opt.collarMax = 101.0;
-        opt.planMin = 0.0;
-        opt.planMax = 2.0; // plan distances near 0 and below 1
-        opt.planGridChance = 0.5;
-        return opt;
-      },
-      0.15);
-}
-
-TEST(Differential, SmallMagnitudes) {
-  // Elevations and plan coordinates below 1 in magnitude and around 0, where the tolerance is also
-  // relative, with offsets just below the absolute tolerance.
-  RunSeeds(
-      "small magnitudes", 5000000, 1000,
-      [](std::mt19937_64& rng) {
-        xktest::RandomBoreholeOptions opt;
-        opt.minStrata = 1;
-        opt.maxStrata = 10;
-        opt.codeCount = xktest::UniformInt(rng, 2, 5);
-        opt.repeatPreviousChance = 0.25;
-        opt.minThickness = 0.0;
-        opt.maxThickness = 0.3;
-        opt.gridChance = 0.5;
-        opt.gridStep = 0.0625;
-        opt.zeroThicknessChance = 0.1;
-        opt.jitterChance = 0.3;
-        opt.collarMin = -0.25;
-        opt.collarMax = 0.5;
-        opt.planMin = -1.0;
-        opt.planMax = 1.0;
-        opt.planGridChance = 0.2;
-        return opt;
-      },
-      0.1);
-}
-
-TEST(Differential, SameBoreholeTwice) {
-  // One object passed as both boreholes: plan distance 0, and every stratum has its twin, so the
-  // root splits down to single codes and every line is merged. (Non-finite lens tips at plan
-  // distance 0 come from the other groups, which put both holes at one plan position at times.)
-  Tally tally;
-  for (uint64_t seed = 6000000; seed < 6000300; ++seed) {
-    std::mt19937_64 rng(seed);
-    xktest::RandomBoreholeOptions opt;
-    opt.maxStrata = 20;
-    opt.codeCount = xktest::UniformInt(rng, 1, 5);
-    opt.repeatPreviousChance = 0.2;
-    const _sZK a = xktest::RandomBorehole(rng, opt);
-    if (!CheckPair("same borehole", seed, a, a, rng, tally)) {
-      break;
-    }
-  }
-  Report("same borehole", tally);
-}
-
-// Many lines handed in by the caller, merged with the section's own: elevations on either side of
-// the 1e-4 cells by which long lists of lines are searched, within and just beyond the tolerance,
-// below magnitude 1 (where it is relative) and off the cells (beyond a million, infinite), with
-// ends at one plan position or just apart. Short lists are scanned and long ones searched by
-// cell; both must merge exactly as the plain implementation does.
-TEST(Differential, MergeOfManyLinesNearTheTolerance) {
+// Elevations for caller lines around the 1e-4 cells by which long lists of lines are searched:
+// within and just beyond the tolerance, below magnitude 1 (where it is relative) and off the cells
+// (beyond a million, infinite).
+double NearTolerance(std::mt19937_64& rng) {
   const double offsets[] = {0.0, 3e-6, -3e-6, 6e-6, -6e-6, 9.5e-6, -9.5e-6, 1.1e-5, -1.1e-5};
   const double bases[] = {100.0, 100.0001, 100.0002, 57.123, 0.5, 2e-6, 0.0, -3.0};
   const double offCells[] = {2e6, -5e7, 3e12 + 0.5, -1e15, std::numeric_limits<double>::infinity()};
-  Tally tally;
-  for (uint64_t seed = 7000000; seed < 7000060; ++seed) {
+  if (Chance(rng, 0.05)) {
+    return offCells[UniformInt(rng, 0, 4)];
+  }
+  return bases[UniformInt(rng, 0, 7)] + offsets[UniformInt(rng, 0, 8)];
+}
+
+struct Group {
+  const char* name;
+  uint64_t firstSeed;
+  uint64_t count;
+  std::function<Case(std::mt19937_64&)> draw;
+};
+
+const Group kGroups[] = {
+    {"typical", 1000000, 2000,
+     [](std::mt19937_64& rng) {
+       auto opt = Options(1, 30, 2, 8, 0.15, rng);
+       opt.numericCodes = Chance(rng, 0.3); // "10" sorts before "9"
+       return Pair(rng, opt, 0.03);
+     }},
+    // Envelopes, lenses inside lenses, fused runs and crossing pairs.
+    {"few_codes", 2000000, 1200,
+     [](std::mt19937_64& rng) {
+       auto opt = Options(3, 40, 2, 4, 0.35, rng);
+       opt.numericCodes = Chance(rng, 0.5);
+       return Pair(rng, opt, 0.03);
+     }},
+    // Detailed logging schemes with dozens of codes, few of them shared by the two holes.
+    {"many_codes", 7000000, 400,
+     [](std::mt19937_64& rng) {
+       auto opt = Options(10, 60, 12, 40, 0.15, rng);
+       opt.numericCodes = Chance(rng, 0.5);
+       return Pair(rng, opt, 0.03);
+     }},
+    // Holes without strata, zero thicknesses, gaps, sub-tolerance offsets, equal elevations on a
+    // coarse grid, empty codes, holes at one plan position or less than 1 apart.
+    {"degenerate", 3000000, 1500,
+     [](std::mt19937_64& rng) {
+       auto opt = Options(0, 12, 1, 5, 0.25, rng);
+       opt.emptyCodeChance = 0.05;
+       opt.zeroThicknessChance = 0.2;
+       opt.gapChance = 0.15;
+       opt.jitterChance = 0.15;
+       opt.gridChance = 0.9;
+       opt.gridStep = 2.0;
+       opt.minThickness = 0.0;
+       opt.maxThickness = 6.0;
+       opt.collarMin = 99.0;
+       opt.collarMax = 101.0;
+       opt.planMin = 0.0;
+       opt.planMax = 2.0;
+       opt.planGridChance = 0.5;
+       return Pair(rng, opt, 0.15);
+     }},
+    // Elevations and plan coordinates below 1 in magnitude and around 0, where the tolerance is
+    // also relative, with offsets just below the absolute tolerance.
+    {"small_magnitudes", 5000000, 1000,
+     [](std::mt19937_64& rng) {
+       auto opt = Options(1, 10, 2, 5, 0.25, rng);
+       opt.minThickness = 0.0;
+       opt.maxThickness = 0.3;
+       opt.gridChance = 0.5;
+       opt.gridStep = 0.0625;
+       opt.zeroThicknessChance = 0.1;
+       opt.jitterChance = 0.3;
+       opt.collarMin = -0.25;
+       opt.collarMax = 0.5;
+       opt.planMin = -1.0;
+       opt.planMax = 1.0;
+       opt.planGridChance = 0.2;
+       return Pair(rng, opt, 0.1);
+     }},
+    // One hole on both sides: plan distance 0, every stratum has its twin, every line merges.
+    {"same_borehole", 6000000, 300,
+     [](std::mt19937_64& rng) {
+       const _sZK a = xktest::RandomBorehole(rng, Options(1, 20, 1, 5, 0.2, rng));
+       return Case{a, a, {}};
+     }},
+    // Two holes without strata and up to 300 caller lines near the tolerance, with ends at one
+    // plan position or just apart: short lists are scanned, long ones searched by cell.
+    {"many_caller_lines", 7000000, 60,
+     [](std::mt19937_64& rng) {
+       Case c;
+       c.a.dTopGC = 101.0;
+       c.b.dX = 60.0;
+       c.b.dTopGC = 99.0;
+       for (int k = UniformInt(rng, 20, 300); k > 0; --k) {
+         c.start.push_back(CallerLine(c.a, c.b, NearTolerance(rng), NearTolerance(rng)));
+         _sLinkLine& l = c.start.back();
+         l.pt1.x = Chance(rng, 0.1) ? 4e-6 : 0.0;
+         l.pt2.x = Chance(rng, 0.1) ? 60.5 : 60.0;
+         l.nType = 2;
+         l.bBottom = Chance(rng, 0.5);
+         l.strUpName = L"l" + std::to_wstring(k);
+       }
+       return c;
+     }},
+    // Logs of a few hundred thin beds in two to five codes: thousands of equal-code pairs, keys
+    // tied on a quarter-metre grid, and ranges starting off the top when beds are missing.
+    {"thin_beds", 8000000, 24,
+     [](std::mt19937_64& rng) {
+       const int codes = UniformInt(rng, 2, 5);
+       Case c{xktest::LongLog(rng, UniformInt(rng, 60, 220), codes, L"WEST"),
+              xktest::LongLog(rng, UniformInt(rng, 60, 220), codes, L"EAST"),
+              {}};
+       c.b.dX = c.a.dX + UniformReal(rng, 5.0, 80.0);
+       if (Chance(rng, 0.5)) {
+         c.b.vecDC.erase(c.b.vecDC.begin(), c.b.vecDC.begin() + UniformInt(rng, 1, 10));
+       }
+       return c;
+     }},
+    // A thick sequence against an ordinary hole, both ways round, and two long sequences.
+    {"long_logs", 4000000, 4,
+     [](std::mt19937_64& rng) {
+       xktest::RandomBoreholeOptions shortOpt;
+       const int strata[] = {2000, 2000, 600, 300};
+       const int which = static_cast<int>(rng() % 4);
+       Case c{xktest::LongLog(rng, strata[which], which == 2 ? 4 : 6, L"LONG1"),
+              which == 3 ? xktest::LongLog(rng, 300, 6, L"LONG2")
+                         : xktest::RandomBorehole(rng, shortOpt, L"SHORT"),
+              {}};
+       if (which == 1) {
+         std::swap(c.a, c.b);
+       }
+       return c;
+     }},
+};
+
+void PrintTo(const Group& group, std::ostream* os) {
+  *os << group.name;
+}
+
+class Differential : public testing::TestWithParam<Group> {};
+
+TEST_P(Differential, LibraryAndContextAgreeWithTheReference) {
+  const Group& group = GetParam();
+  XKLinkDc::CorrelationContext context; // reused: the holes of each case are gone after it
+  int pairs = 0;
+  for (uint64_t seed = group.firstSeed; seed < group.firstSeed + group.count; ++seed) {
     std::mt19937_64 rng(seed);
-    const auto elevation = [&] {
-      if (xktest::Chance(rng, 0.05)) {
-        return offCells[xktest::UniformInt(rng, 0, 4)];
-      }
-      return bases[xktest::UniformInt(rng, 0, 7)] + offsets[xktest::UniformInt(rng, 0, 8)];
-    };
-    // Holes without strata: the section adds only its root's two lines.
-    _sZK a;
-    a.dTopGC = 101.0;
-    _sZK b;
-    b.dX = 60.0;
-    b.dTopGC = 99.0;
-    std::vector<_sLinkLine> start(static_cast<std::size_t>(xktest::UniformInt(rng, 20, 300)));
-    for (std::size_t k = 0; k < start.size(); ++k) {
-      _sLinkLine& l = start[k];
-      l.pt1 = CXk3DPoint(xktest::Chance(rng, 0.1) ? 4e-6 : 0.0, 0.0, elevation());
-      l.pt2 = CXk3DPoint(xktest::Chance(rng, 0.1) ? 60.5 : 60.0, 0.0, elevation());
-      l.nType = 2;
-      l.bBottom = xktest::Chance(rng, 0.5);
-      l.strUpName = L"l" + std::to_wstring(k);
+    Case c = group.draw(rng);
+    if (c.start.empty() && Chance(rng, 0.1)) {
+      AddCallerLines(rng, c);
     }
-    ++tally.pairs;
-    _sLinkRegion ref;
-    reference::ReferenceLinkDc(a, b, ref);
-    const std::string why = CheckLinkDcLine(a, b, start, ReferenceLines(ref, start));
+    const std::string why = Check(c, Chance(rng, 0.2), seed % 2 == 0, context);
+    ++pairs;
     if (!why.empty()) {
-      ++tally.failures;
-      ADD_FAILURE() << "seed " << seed << ", " << start.size() << " lines: " << why;
+      ADD_FAILURE() << group.name << ", seed " << seed << ": " << why << "\nborehole 1:\n"
+                    << Describe(c.a) << "borehole 2:\n"
+                    << Describe(c.b);
       break;
     }
   }
-  Report("many lines", tally);
+  std::printf("[ %s ] %d pairs compared\n", group.name, pairs);
 }
 
-// Two logs of a few hundred thin beds in two to five codes: thousands of equal-code pairs at the
-// root and hundreds in the envelopes below it, where the envelope's own code pairs with nothing.
-// Beds on a quarter-metre grid give tied keys; some beds are missing from one log, so ranges start
-// and end off the top and bottom.
-TEST(Differential, ThinBedsOnBothSides) {
-  Tally tally;
-  for (uint64_t seed = 8000000; seed < 8000024; ++seed) {
-    std::mt19937_64 rng(seed);
-    const int codes = xktest::UniformInt(rng, 2, 5);
-    _sZK a = xktest::LongLog(rng, xktest::UniformInt(rng, 60, 220), codes, L"WEST");
-    _sZK b = xktest::LongLog(rng, xktest::UniformInt(rng, 60, 220), codes, L"EAST");
-    b.dX = a.dX + xktest::UniformReal(rng, 5.0, 80.0);
-    if (xktest::Chance(rng, 0.5)) {
-      b.vecDC.erase(b.vecDC.begin(), b.vecDC.begin() + xktest::UniformInt(rng, 1, 10));
-    }
-    if (!CheckPair("thin beds", seed, a, b, rng, tally)) {
-      break;
-    }
-  }
-  Report("thin beds", tally);
-}
-
-TEST(Differential, LongLogs) {
-  Tally tally;
-  for (uint64_t seed = 4000000; seed < 4000004; ++seed) {
-    std::mt19937_64 rng(seed);
-    xktest::RandomBoreholeOptions shortOpt;
-    shortOpt.codeCount = 6;
-    _sZK a;
-    _sZK b;
-    switch (seed % 4) {
-    case 0: // a thick sequence against an ordinary hole
-      a = xktest::LongLog(rng, 2000, 6, L"LONG");
-      b = xktest::RandomBorehole(rng, shortOpt, L"SHORT");
-      break;
-    case 1: // the same, the other way round
-      a = xktest::RandomBorehole(rng, shortOpt, L"SHORT");
-      b = xktest::LongLog(rng, 2000, 6, L"LONG");
-      break;
-    case 2: // a shorter sequence with fewer codes
-      a = xktest::LongLog(rng, 600, 4, L"LONG");
-      b = xktest::RandomBorehole(rng, shortOpt, L"SHORT");
-      break;
-    default: // two long sequences
-      a = xktest::LongLog(rng, 300, 6, L"LONG1");
-      b = xktest::LongLog(rng, 300, 6, L"LONG2");
-      break;
-    }
-    if (!CheckPair("long logs", seed, a, b, rng, tally)) {
-      break;
-    }
-  }
-  Report("long logs", tally);
-}
+INSTANTIATE_TEST_SUITE_P(Groups, Differential, testing::ValuesIn(kGroups),
+                         [](const testing::TestParamInfo<Group>& p) { return p.param.name; });
 
 } // namespace

@@ -6,7 +6,6 @@
 #include "reference/ReferenceCorrelation.h"
 
 #include <gtest/gtest.h>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -299,20 +298,6 @@ TEST(Lines, OrderingComparesFirstEndsThenSecondEndsThenSums) {
   }
   EXPECT_FALSE(reference::ReferenceIsLineAbove(high, sameStart));
   EXPECT_FALSE(reference::ReferenceIsLineAbove(sameStart, high));
-}
-
-TEST(ReferenceCompare, ToleranceIsAbsoluteAndRelativeBelowOne) {
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  const struct {
-    double a, b;
-    int expected;
-  } cases[] = {{0.0, 9e-6, 0},           {0.0, -9.9e-6, 0},      {1e-6, 2e-6, -1},
-               {0.5, 0.500004, 0},       {0.5, 0.500009, -1},    {-0.5, -0.500009, 1},
-               {0.9999995, 0.999999, 0}, {100.0, 100.000009, 0}, {2.0, 2.00001, -1},
-               {nan, 1.0, -1},           {1.0, nan, -1}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(reference::CompareDouble(c.a, c.b), c.expected) << c.a << " against " << c.b;
-  }
 }
 
 } // namespace
