@@ -481,19 +481,21 @@ double ColourDistance(Rgb a, Rgb b) {
                    (p.b - q.b) * (p.b - q.b));
 }
 
-std::vector<std::wstring> CodesByMeanTop(const Section& section) {
-  std::map<std::wstring, std::pair<double, double>> sums; // code -> (sum of tops, count)
-  for (const SectionHole& hole : section.holes) {
-    for (const DataType::_sZKDC& stratum : hole.zk.vecDC) {
-      auto& [sum, count] = sums[stratum.strName];
-      if (std::isfinite(stratum.dTopGC)) {
-        sum += stratum.dTopGC;
-        count += 1.0;
-      }
-    }
+void StratigraphicOrder::Add(const std::wstring& code, double elevation) {
+  auto& [sum, count] = m_sums[code];
+  if (std::isfinite(elevation)) {
+    sum += elevation;
+    count += 1.0;
   }
+}
+
+bool StratigraphicOrder::Knows(const std::wstring& code) const {
+  return m_sums.find(code) != m_sums.end();
+}
+
+std::vector<std::wstring> StratigraphicOrder::HighestFirst() const {
   std::vector<std::pair<double, std::wstring>> order;
-  for (const auto& [code, sum] : sums) {
+  for (const auto& [code, sum] : m_sums) {
     order.emplace_back(sum.second > 0.0 ? sum.first / sum.second : 0.0, code);
   }
   std::stable_sort(order.begin(), order.end(),
@@ -503,6 +505,16 @@ std::vector<std::wstring> CodesByMeanTop(const Section& section) {
     codes.push_back(std::move(entry.second));
   }
   return codes;
+}
+
+std::vector<std::wstring> CodesByMeanTop(const Section& section) {
+  StratigraphicOrder order;
+  for (const SectionHole& hole : section.holes) {
+    for (const DataType::_sZKDC& stratum : hole.zk.vecDC) {
+      order.Add(stratum.strName, stratum.dTopGC);
+    }
+  }
+  return order.HighestFirst();
 }
 
 Legend SectionLegend(const Legend& given, const Section& section,

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace xklink::drawing {
@@ -34,8 +35,20 @@ Rgb ColourOf(const Legend& legend, const std::wstring& code);
 // sees side by side; fills of a section need ten or more to be told apart across the sheet).
 double ColourDistance(Rgb a, Rgb b);
 
-// The codes of the section's holes in stratigraphic order: by the mean elevation of the tops of
-// their strata, highest first (ties by code).
+// Codes in stratigraphic order, the order in which a reader meets them down a log: by the mean of
+// the elevations given for each (the tops of its strata), highest first, ties by code. A code
+// given only with elevations that are not finite still counts, at elevation 0.
+class StratigraphicOrder {
+public:
+  void Add(const std::wstring& code, double elevation);
+  bool Knows(const std::wstring& code) const;
+  std::vector<std::wstring> HighestFirst() const;
+
+private:
+  std::map<std::wstring, std::pair<double, double>> m_sums; // code -> (sum, count)
+};
+
+// The codes of the section's holes in stratigraphic order, by the tops of their strata.
 std::vector<std::wstring> CodesByMeanTop(const Section& section);
 
 // The legend of one section. Every code of its holes gets an entry: the colour and label the

@@ -126,6 +126,11 @@ int LineWeight(double width) {
   return best;
 }
 
+// The dashes of inferred boundaries, in sheet units as the SVG draws them.
+constexpr double kDashOn = 6.0;
+constexpr double kDashOff = 4.0;
+constexpr const char* kDashed = "DASHED";
+
 bool IsWhite(Rgb colour) {
   return colour == Rgb{0xff, 0xff, 0xff};
 }
@@ -199,6 +204,12 @@ private:
 
   void WriteHeader(DL_Dxf& dxf, StringWriter& w) const {
     dxf.writeHeader(w);
+    // Drawing units are metres (6), so that a CAD program inserting the section into a drawing of
+    // the site scales it rightly; metric measurement (1) picks metric hatch patterns and linetypes.
+    w.dxfString(9, "$INSUNITS");
+    w.dxfInt(70, 6);
+    w.dxfString(9, "$MEASUREMENT");
+    w.dxfInt(70, 1);
     // The extent lets a viewer open the drawing zoomed to the sheet.
     w.dxfString(9, "$EXTMIN");
     w.dxfReal(10, WorldX(0.0));
@@ -214,10 +225,14 @@ private:
   void WriteTables(DL_Dxf& dxf, StringWriter& w) const {
     w.sectionTables();
     dxf.writeVPort(w);
-    w.tableLinetypes(3);
+    w.tableLinetypes(4);
     dxf.writeLinetype(w, DL_LinetypeData("BYBLOCK", "BYBLOCK", 0, 0, 0.0));
     dxf.writeLinetype(w, DL_LinetypeData("BYLAYER", "BYLAYER", 0, 0, 0.0));
     dxf.writeLinetype(w, DL_LinetypeData("CONTINUOUS", "Continuous", 0, 0, 0.0));
+    // What the section infers is dashed as on the sheet: 6 units on, 4 off, in drawing units.
+    std::array<double, 2> dashes = {kDashOn / m_sheet.scale, -kDashOff / m_sheet.scale};
+    dxf.writeLinetype(w, DL_LinetypeData(kDashed, "Dashed __ __ __", 0, 2,
+                                         (kDashOn + kDashOff) / m_sheet.scale, dashes.data()));
     w.tableEnd();
 
     struct Fixed {
@@ -308,7 +323,7 @@ private:
     // sheet.
     const Rgb stroke = path.stroke.value_or(path.fill.value_or(Rgb{}));
     const DL_Attributes attributes(layer, drawing::NearestAci(stroke), ColourNumber(stroke),
-                                   LineWeight(path.strokeWidth), "BYLAYER");
+                                   LineWeight(path.strokeWidth), path.dashed ? kDashed : "BYLAYER");
     dxf.writePolyline(
         w, DL_PolylineData(static_cast<int>(points.size()), 0, 0, path.closed ? 1 : 0), attributes);
     for (const auto& [x, y] : points) {

@@ -20,34 +20,23 @@ constexpr Rgb kLineColour{0x2b, 0x2b, 0x2b};
 
 std::vector<LegendRow> LegendRows(const Section& section, const std::vector<std::size_t>& holes,
                                   const std::vector<RegionShape>& regions, const Legend& legend) {
-  std::map<std::wstring, std::pair<double, double>> sums; // code -> (sum of tops, count)
+  StratigraphicOrder order;
   for (const std::size_t i : holes) {
     for (const DataType::_sZKDC& stratum : section.holes[i].zk.vecDC) {
-      const double mid = stratum.dTopGC;
-      auto& [sum, count] = sums[stratum.strName];
-      if (std::isfinite(mid)) {
-        sum += mid;
-        count += 1.0;
-      }
+      order.Add(stratum.strName, stratum.dTopGC);
     }
   }
+  // A code met only between the holes (inferred beneath them) by the mean height of its region.
+  const StratigraphicOrder fromHoles = order;
   for (const RegionShape& region : regions) {
-    if (!region.code.empty() && sums.find(region.code) == sums.end()) {
-      auto& [sum, count] = sums[region.code];
+    if (!region.code.empty() && !fromHoles.Knows(region.code)) {
       for (const SectionPoint& p : region.polygon) {
-        sum += p.z;
-        count += 1.0;
+        order.Add(region.code, p.z);
       }
     }
   }
-  std::vector<std::pair<double, std::wstring>> order;
-  for (const auto& [code, sum] : sums) {
-    order.emplace_back(sum.second > 0.0 ? sum.first / sum.second : 0.0, code);
-  }
-  std::stable_sort(order.begin(), order.end(),
-                   [](const auto& a, const auto& b) { return a.first > b.first; });
   std::vector<LegendRow> rows;
-  for (const auto& [mean, code] : order) {
+  for (const std::wstring& code : order.HighestFirst()) {
     LegendRow row;
     row.code = code;
     row.colour = ColourOf(legend, code);
