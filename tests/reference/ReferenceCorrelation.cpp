@@ -112,30 +112,6 @@ bool HasMixedStrata(const _sZK& zk, int32_t begin, int32_t end) {
   return false;
 }
 
-bool HasCommonStratum(const State& s, const _sLinkRegion& r) {
-  if (!(r.nBegin1 < r.nEnd1) || !(r.nBegin2 < r.nEnd2)) {
-    return false;
-  }
-  const int32_t b1 = Norm(r.nBegin1);
-  const int32_t l1 = Norm(r.nEnd1 - 1);
-  const int32_t b2 = Norm(r.nBegin2);
-  const int32_t l2 = Norm(r.nEnd2 - 1);
-  for (int32_t i1 = b1; i1 <= l1; ++i1) {
-    if (r.bNamed && Code(s.zk1, i1) == r.strName) {
-      continue;
-    }
-    for (int32_t i2 = b2; i2 <= l2; ++i2) {
-      if (r.bNamed && Code(s.zk2, i2) == r.strName) {
-        continue;
-      }
-      if (Code(s.zk1, i1) == Code(s.zk2, i2)) {
-        return true;
-      }
-    }
-  }
-  return false;
-}
-
 // ---------------------------------------------------------------------------------------------
 // First splitting pass: pairs of equal codes, crossing resolution, one named sub-region per chain
 
@@ -157,25 +133,17 @@ bool Cross(const Pair& p, const Pair& q) {
   return (p.nDC1 < q.nDC1) != (p.nDC2 < q.nDC2);
 }
 
-std::vector<Pair> MatchCommonStrata(const State& s, const _sLinkRegion& r) {
+// 1. Every pair of strata with equal codes, by borehole-1 index and then borehole-2 index; in a
+// named region the region's own code pairs with nothing.
+std::vector<Pair> CollectPairs(const State& s, const _sLinkRegion& r) {
   std::vector<Pair> pairs;
-  // 1. Collection, by borehole-1 index and then borehole-2 index.
-  if (!(r.nBegin2 < r.nEnd2)) {
+  if (!(r.nBegin1 < r.nEnd1) || !(r.nBegin2 < r.nEnd2)) {
     return pairs;
   }
-  const int32_t b1 = Norm(r.nBegin1);
-  const int32_t l1 = Norm(r.nEnd1 - 1);
-  const int32_t b2 = Norm(r.nBegin2);
-  const int32_t l2 = Norm(r.nEnd2 - 1);
-  for (int32_t i = b1; i <= l1; ++i) {
-    if (r.bNamed && Code(s.zk1, i) == r.strName) {
-      continue;
-    }
-    for (int32_t j = b2; j <= l2; ++j) {
-      if (r.bNamed && Code(s.zk2, j) == r.strName) {
-        continue;
-      }
-      if (Code(s.zk1, i) == Code(s.zk2, j)) {
+  for (int32_t i = Norm(r.nBegin1); i <= Norm(r.nEnd1 - 1); ++i) {
+    for (int32_t j = Norm(r.nBegin2); j <= Norm(r.nEnd2 - 1); ++j) {
+      const bool own = r.bNamed && (Code(s.zk1, i) == r.strName || Code(s.zk2, j) == r.strName);
+      if (!own && Code(s.zk1, i) == Code(s.zk2, j)) {
         Pair p;
         p.nDC1 = i;
         p.nDC2 = j;
@@ -184,7 +152,11 @@ std::vector<Pair> MatchCommonStrata(const State& s, const _sLinkRegion& r) {
       }
     }
   }
+  return pairs;
+}
 
+std::vector<Pair> MatchCommonStrata(const State& s, const _sLinkRegion& r) {
+  std::vector<Pair> pairs = CollectPairs(s, r);
   // 2. First sweep: of two crossing pairs the one whose mid elevations differ more is dropped (the
   // later one on equal keys). A dropped pair goes on dropping later pairs.
   for (std::size_t a = 0; a < pairs.size(); ++a) {
@@ -278,10 +250,7 @@ void SplitAtCommonStrata(const State& s, const _sLinkRegion& r, std::vector<_sLi
   if (r.nType != 0) {
     return;
   }
-  std::vector<Pair> pairs;
-  if (r.nBegin1 < r.nEnd1) {
-    pairs = MatchCommonStrata(s, r);
-  }
+  std::vector<Pair> pairs = MatchCommonStrata(s, r);
   _sLinkRegion sub; // working record, reused
   for (std::size_t k = 0; k < pairs.size(); ++k) {
     if (pairs[k].bDrop) {
@@ -566,51 +535,37 @@ std::vector<Run> FusedRuns(const _sZK& zk, const _sLinkRegion& r, int32_t begin,
 // Closing a region of unmatched strata: pinch-out wedges interleaved by code
 
 void CloseUnmatchedRegion(const State& s, const _sLinkRegion& r, std::vector<_sLinkRegion>& out) {
-  const std::vector<Run> a = FusedRuns(s.zk1, r, r.nBegin1, r.nEnd1);
-  const std::vector<Run> b = FusedRuns(s.zk2, r, r.nBegin2, r.nEnd2);
-  std::size_t i = 0;
-  std::size_t j = 0;
-  _sLinkRegion wedge; // working record, reused
-  while (i < a.size() || j < b.size()) {
-    bool takeA = false;
-    if (i >= a.size()) {
-      takeA = false;
-    } else if (j >= b.size()) {
-      takeA = true;
-    } else {
-      takeA = !(a[i].strName.compare(b[j].strName) > 0);
+  const _sZK* zk[2] = {&s.zk1, &s.zk2};
+  const std::vector<Run> runs[2] = {FusedRuns(s.zk1, r, r.nBegin1, r.nEnd1),
+                                    FusedRuns(s.zk2, r, r.nBegin2, r.nEnd2)};
+  const int32_t ends[2] = {r.nEnd1, r.nEnd2};
+  std::size_t next[2] = {0, 0};
+  while (next[0] < runs[0].size() || next[1] < runs[1].size()) {
+    // The run that comes first by code takes the next wedge; borehole 1 on equal codes.
+    int side = 0;
+    if (next[0] >= runs[0].size()) {
+      side = 1;
+    } else if (next[1] < runs[1].size() &&
+               runs[0][next[0]].strName.compare(runs[1][next[1]].strName) > 0) {
+      side = 1;
     }
+    const int other = 1 - side;
+    const Run& run = runs[side][next[side]++];
+    // On the other hole the wedge pinches out at the top of its next run, or at the region's end.
+    const int32_t at =
+        next[other] < runs[other].size() ? runs[other][next[other]].nBegin : ends[other];
+    _sLinkRegion wedge;
     wedge.nType = 2;
-    wedge.vecChild.clear();
-    if (takeA) {
-      const Run& run = a[i];
-      const int32_t p = j < b.size() ? b[j].nBegin : r.nEnd2;
-      wedge.bNamed = run.bMerged;
-      wedge.strName = run.strName;
-      wedge.nBegin1 = run.nBegin;
-      wedge.nEnd1 = run.nEnd;
-      wedge.nBegin2 = p;
-      wedge.nEnd2 = p;
-      wedge.ptTop[0] = AtElevation(r.ptTop[0], BoundaryGC(s.zk1, run.nBegin));
-      wedge.ptBot[0] = AtElevation(r.ptBot[0], BoundaryGC(s.zk1, run.nEnd));
-      wedge.ptTop[1] = AtElevation(r.ptTop[1], BoundaryGC(s.zk2, p));
-      wedge.ptBot[1] = AtElevation(r.ptBot[1], BoundaryGC(s.zk2, p));
-      ++i;
-    } else {
-      const Run& run = b[j];
-      const int32_t q = i < a.size() ? a[i].nBegin : r.nEnd1;
-      wedge.bNamed = run.bMerged;
-      wedge.strName = run.strName;
-      wedge.nBegin2 = run.nBegin;
-      wedge.nEnd2 = run.nEnd;
-      wedge.nBegin1 = q;
-      wedge.nEnd1 = q;
-      wedge.ptTop[1] = AtElevation(r.ptTop[1], BoundaryGC(s.zk2, run.nBegin));
-      wedge.ptBot[1] = AtElevation(r.ptBot[1], BoundaryGC(s.zk2, run.nEnd));
-      wedge.ptTop[0] = AtElevation(r.ptTop[0], BoundaryGC(s.zk1, q));
-      wedge.ptBot[0] = AtElevation(r.ptBot[0], BoundaryGC(s.zk1, q));
-      ++j;
-    }
+    wedge.bNamed = run.bMerged;
+    wedge.strName = run.strName;
+    (side == 0 ? wedge.nBegin1 : wedge.nBegin2) = run.nBegin;
+    (side == 0 ? wedge.nEnd1 : wedge.nEnd2) = run.nEnd;
+    (side == 0 ? wedge.nBegin2 : wedge.nBegin1) = at;
+    (side == 0 ? wedge.nEnd2 : wedge.nEnd1) = at;
+    wedge.ptTop[side] = AtElevation(r.ptTop[side], BoundaryGC(*zk[side], run.nBegin));
+    wedge.ptBot[side] = AtElevation(r.ptBot[side], BoundaryGC(*zk[side], run.nEnd));
+    wedge.ptTop[other] = AtElevation(r.ptTop[other], BoundaryGC(*zk[other], at));
+    wedge.ptBot[other] = AtElevation(r.ptBot[other], BoundaryGC(*zk[other], at));
     out.push_back(wedge);
   }
 }
@@ -799,7 +754,7 @@ void LinkRegion(const State& s, _sLinkRegion& r, bool bSubRegion) {
   if (!HasMixedStrata(s.zk1, r.nBegin1, r.nEnd1) && !HasMixedStrata(s.zk2, r.nBegin2, r.nEnd2)) {
     return;
   }
-  if (r.nType == 0 && HasCommonStratum(s, r)) {
+  if (r.nType == 0 && !CollectPairs(s, r).empty()) {
     SplitAndCloseRegion(s, r, r.vecChild, bSubRegion);
   } else {
     CloseRegion(s, r, r.vecChild);
