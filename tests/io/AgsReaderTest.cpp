@@ -4,8 +4,6 @@
 // meanings; missing ground levels; rows the reader leaves out.
 #include "AgsReader.h"
 
-#include "AgsCodes.h"
-#include "AgsGroups.h"
 #include "IoTestSupport.h"
 #include "Validation.h"
 
@@ -153,39 +151,13 @@ TEST(AgsReaderTest, WrappedLinesDescriptionsOverSeveralLinesAndGroupsGivenTwice)
             std::vector<std::string>{"site.ags:14: warning: field HOLE: group HOLE appears again "
                                      "(first at line 6); its rows are read with those of the "
                                      "first, matched by heading"});
-  // AGS4: a description typed with Enter between sentences leaves the rows as they were.
-  const auto multiLine =
-      Read(Edit(kSite, "Dense GRAVEL\",\"501\"", "Dense GRAVEL.\r\n\tFrom 3.00m sandy.\",\"501\""));
-  EXPECT_TRUE(multiLine.diagnostics.empty());
-  EXPECT_EQ(Summary(multiLine)[0], "BH1 @1000,2000 top 10: ALV 10..8.5@18 RTD 8.5..5@19");
-  EXPECT_EQ(Summary(multiLine)[1], "BH2 @1100,2000 top 12.5: MG 12.5..10.5@21 RTD 10.5..6.5@22");
   // Cut inside a quoted field, a file has lost its last rows: not one to draw a section from.
   EXPECT_EQ(ParseErrorOf([] { Read(kSite.substr(0, kSite.rfind("Dense"))); }),
             "site.ags:21: a quoted field opened on this line is never closed: the file ends "
             "inside it (was it cut short?)");
 }
 
-TEST(AgsReaderTest, PrincipalNamesAndPlaceholderCodes) {
-  const std::pair<const char*, const char*> names[] = {
-      {"Firm brown sandy CLAY", "CLAY"},
-      {"MADE GROUND: brick, ash and CONCRETE", "MADE GROUND"},
-      {"Dense SAND and GRAVEL with cobbles", "SAND and GRAVEL"},
-      {"Stiff CLAY with rare cobbles. (GLACIAL DEPOSITS)", "CLAY"},
-      {"TOPSOIL.", "TOPSOIL"},
-      {"A soft grey clay", ""},
-  };
-  for (const auto& [description, name] : names) {
-    EXPECT_EQ(PrincipalName(description), name) << description;
-  }
-  for (const auto* code : {"", " - ", "?", "N/A", "n/a", "--"}) {
-    EXPECT_TRUE(IsPlaceholderCode(code)) << code;
-  }
-  for (const auto* code : {"0", "NA", "201", "-1"}) {
-    EXPECT_FALSE(IsPlaceholderCode(code)) << code;
-  }
-}
-
-TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAHoleFallsBackOnceAndAbbrSaysWhatTheyMean) {
+TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
   std::string legendOnly = kSite; // as in files that fill only the legend code
   for (const auto& code : {"ALV", "RTD", "MG", "RTD"}) {
     legendOnly = Edit(legendOnly, std::string("\",\"") + code + "\",\"\"", "\",\"-\",\"\"");
@@ -195,13 +167,6 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAHoleFallsBackOnceAndAbbrSa
        {R"("201","-","")", R"("501","-","")", R"("102","-","")", R"("501","-","")"}) {
     none = Edit(none, row, R"("","","")");
   }
-  const std::string abbr =
-      "\n\"GROUP\",\"ABBR\"\n\"HEADING\",\"ABBR_HDNG\",\"ABBR_CODE\",\"ABBR_DESC\""
-      "\n\"UNIT\",\"\",\"\",\"\"\n\"TYPE\",\"PA\",\"X\",\"X\"\n"
-      "\"DATA\",\"GEOL_LEG\",\"501\",\"Gravel\"\n"
-      "\"DATA\",\"GEOL_LEG\",\"102\",\"Made ground\"\n"
-      "\"DATA\",\"GEOL_LEG\",\"999\",\"Unused\"\n"
-      "\"DATA\",\"SAMP_TYPE\",\"201\",\"Not a code of the strata\"\n";
   const std::string fellBack = "site.ags:15: warning: field GEOL_LEG: GEOL_GEOL is empty on most "
                                "rows of 1 hole (BH2): their codes are read from GEOL_LEG";
   const struct {
@@ -244,9 +209,6 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAHoleFallsBackOnceAndAbbrSa
     EXPECT_EQ(codes, c.codes) << c.text;
     EXPECT_EQ(Messages(set.diagnostics), c.messages) << c.text;
   }
-  EXPECT_EQ(Read(legendOnly + abbr).codeDescriptions,
-            (std::map<std::string, std::string>{{"102", "Made ground"}, {"501", "Gravel"}}));
-  EXPECT_TRUE(Read(kSite + abbr).codeDescriptions.empty()); // GEOL_GEOL codes: not in ABBR
   EXPECT_EQ(ParseErrorOf([&] {
               Read(Edit(Edit(Edit(Edit(none, "sandy\"\" CLAY", "sandy\"\" clay"), "Dense GRAVEL",
                                   "gravel"),
@@ -258,38 +220,6 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAHoleFallsBackOnceAndAbbrSa
             "column that holds the codes");
   EXPECT_EQ(ParseErrorOf([] { Read(kSite, CodeColumn("GEOL_BGS")); }),
             "site.ags:15: field GEOL_BGS: group GEOL has no heading GEOL_BGS");
-}
-
-TEST(AgsReaderTest, HolesWithoutAGroundLevelLieAtMinusTheirDepths) {
-  const std::string unknown = "BH2 @1100,2000 top 0: MG 0..-2@20 RTD -2..-6@21";
-  const struct {
-    std::string text;
-    std::vector<std::string> messages;
-  } cases[] = {
-      {Edit(kSite, R"("2000.00","12.50")", R"("2000.00","")"), {}},
-      {Edit(kSite, R"("2000.00","12.50")", R"("2000.00","-")"), {}},
-      {Edit(kSite, R"("2000.00","12.50")", R"("2000.00","12,50")"),
-       {"site.ags:12: warning: field LOCA_GL: not a number: '12,50': the ground level of hole "
-        "'BH2' "
-        "is unknown"}},
-  };
-  for (const auto& c : cases) {
-    const auto set = Read(c.text);
-    EXPECT_EQ(Summary(set), (std::vector<std::string>{kSiteHoles[0], unknown}));
-    EXPECT_TRUE(set.holes[0].groundLevelKnown);
-    EXPECT_FALSE(set.holes[1].groundLevelKnown);
-    EXPECT_EQ(Messages(set.diagnostics), c.messages);
-  }
-  // No LOCA_GL at all, as in files of holes never levelled.
-  auto noLevels = Edit(kSite, R"(,"LOCA_GL","LOCA_FDEP")", R"(,"LOCA_FDEP")");
-  noLevels = Edit(Edit(noLevels, R"("m","m","m","m")", R"("m","m","m")"),
-                  R"("2DP","2DP","2DP","2DP")", R"("2DP","2DP","2DP")");
-  noLevels =
-      Edit(Edit(noLevels, R"("10.00","5.00")", R"("5.00")"), R"("12.50","6.00")", R"("6.00")");
-  const auto set = Read(noLevels);
-  EXPECT_EQ(Summary(set)[1], unknown);
-  EXPECT_FALSE(set.holes[0].groundLevelKnown || set.holes[1].groundLevelKnown);
-  EXPECT_TRUE(set.diagnostics.empty());
 }
 
 TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
@@ -359,34 +289,6 @@ TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
   }
 }
 
-TEST(AgsReaderTest, AHoleOfManyBadRowsKeepsAFewMessagesAndACount) {
-  std::string rows;
-  for (int i = 0; i < 8; ++i) { // lines 22-29
-    rows += "\n\"DATA\",\"BH2\",\"6.00\",\"x\",\"\",\"\",\"R\",\"\"";
-  }
-  const auto set = Read(kSite.substr(0, kSite.size() - 1) + rows + "\n");
-  ASSERT_EQ(set.diagnostics.size(), RowDiagnostics::kPerHole + 1);
-  EXPECT_EQ(set.diagnostics.back().ToString(),
-            "site.ags:27: 3 more problems in rows of hole 'BH2', from this line on, not listed one "
-            "by one");
-  EXPECT_EQ(set.diagnostics.back().severity, Severity::Error);
-  EXPECT_EQ(set.diagnostics.back().hole, "BH2");
-}
-
-TEST(AgsReaderTest, SortsGeolRowsOfAHoleByDepth) {
-  const std::string first =
-      R"("DATA","BH1","0.00","1.50","Soft, brown ""sandy"" CLAY","201","ALV","")";
-  const std::string second = R"("DATA","BH1","1.50","5.00","Dense GRAVEL","501","RTD","")";
-  const auto set = Read(Edit(kSite, first + "\n" + second, second + "\n" + first));
-  // Each row keeps its own line.
-  EXPECT_EQ(Summary(set)[0], "BH1 @1000,2000 top 10: ALV 10..8.5@19 RTD 8.5..5@18");
-  EXPECT_EQ(Messages(set.diagnostics),
-            std::vector<std::string>{"site.ags:14: warning: field GEOL_TOP: GEOL rows not in depth "
-                                     "order in 1 hole (BH1); sorted by GEOL_TOP"});
-  // A final depth 5 cm below the logged geology is rounding, no reason to warn.
-  EXPECT_TRUE(Read(Edit(kSite, R"("12.50","6.00")", R"("12.50","6.05")")).diagnostics.empty());
-}
-
 TEST(AgsReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
   const auto geolAt = kSite.find("\"GROUP\",\"GEOL\"");
   const auto locaAt = kSite.find("\"GROUP\",\"LOCA\"");
@@ -399,23 +301,13 @@ TEST(AgsReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
       {kSite.substr(0, geolAt), "site.ags: no GEOL group: the file holds no geology"},
       {kSite.substr(0, locaAt) + kSite.substr(geolAt),
        "site.ags: no LOCA group: the holes of the GEOL group have no position or ground level"},
-      {Edit(kSite, R"("HEADING","LOCA_ID",)",
-            "\"DATA\",\"X\",\"Y\",\"1\",\"2\",\"3\",\"4\"\n" +
-                std::string(R"("HEADING","LOCA_ID",)")),
-       "site.ags:8: field LOCA: data before the headings of group LOCA"},
-      {Edit(kSite, R"("UNIT","","m","m","","","","")", R"("HEADING","LOCA_ID")"),
-       "site.ags:16: field GEOL: second HEADING line in group GEOL (first at line 15)"},
       {Edit(kSite, R"("UNIT","","m","m","","","","")", R"("UNIT","","m","m")"),
        "site.ags:16: field GEOL: UNIT line: the row has 3 fields but the group has 7 headings"},
       {Edit(kSite, R"("TYPE","ID","2DP","2DP","X")", R"("TIPO","ID","2DP","2DP","X")"),
        "site.ags:17: field GEOL: unknown line type 'TIPO': expected GROUP, HEADING, UNIT, TYPE or "
        "DATA"},
-      {Edit(kSite, R"("GROUP","GEOL")", R"("GROUP","GEOL","X")"),
-       "site.ags:14: field GROUP: a GROUP line holds exactly one group name"},
       {Edit(kSite, R"("LOCA_ID","LOCA_TYPE")", R"("LOCA_ID","LOCA_ID")"),
        "site.ags:8: field LOCA_ID: heading appears twice in group LOCA"},
-      {Edit(kSite, "\n\"GROUP\",\"GEOL\"", "\n\"DATA\",\"x\"\n\"GROUP\",\"GEOL\""),
-       "site.ags:14: 'DATA' line outside a group: a group starts with a GROUP line"},
       {"HOLEID,X,Y\n", "site.ags:1: not an AGS file: the first line is neither a \"GROUP\" line "
                        "(AGS4) nor a \"**NAME\" line (AGS 3.1)"},
       {" \r\n\n", "site.ags: empty file: no AGS groups"},
@@ -428,14 +320,6 @@ TEST(AgsReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
   for (const auto& c : cases) {
     EXPECT_EQ(ParseErrorOf([&] { Read(c.text); }), c.error);
   }
-}
-
-TEST(AgsReaderTest, GroupsNotReadMayBeBrokenAndBlankLinesBetweenGroupsAreOptional) {
-  EXPECT_EQ(Summary(Read(Edit(kSite, R"("DATA","P1","Test site, north")", R"("DATA","P1")"))),
-            kSiteHoles);
-  const auto packed = Edit(Edit(kSite, "\n\n\"GROUP\",\"LOCA\"", "\n\"GROUP\",\"LOCA\""),
-                           "\n\n\"GROUP\",\"GEOL\"", "\n\"GROUP\",\"GEOL\"");
-  EXPECT_EQ(Read(packed).holes.size(), 2U);
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // Drillhole CSV files made by hand: header aliases, depths and elevations, the two-table form.
 #include "CsvReader.h"
 
-#include "CsvColumns.h"
 #include "IoTestSupport.h"
 #include "Validation.h"
 
@@ -48,23 +47,6 @@ TEST(CsvReaderTest, HeaderAliasesIgnoreCaseSpacesAndUnits) {
   EXPECT_EQ(Summary(Read("Hole ID,x,y,Elev,From (m),To (m),Lith\n"
                          "BH1,0,0,50,0,2.5,SAND\nBH1,0,0,50,2.5,10,CLAY\n")),
             Lines{"BH1 @0,0 top 50: SAND 50..47.5@2 CLAY 47.5..40@3"});
-  EXPECT_EQ(NormalizeHeader(" Depth-From [m] "), "DEPTH_FROM");
-  EXPECT_EQ(NormalizeHeader("bh.id"), "BH_ID");
-}
-
-TEST(CsvReaderTest, CodesAreUtf8AndTheCodeColumnCanBeChosen) {
-  const std::string text = "HOLEID,X,Y,Z,FROM,TO,LITO,FORM\n"
-                           "H1,0,0,10,0,3,Diab\xC3\xA1sio,Irati\n"
-                           "H1,0,0,10,3,5,Carv\xC3\xA3o,Irati\n";
-  EXPECT_EQ(Read(text).holes[0].strata[0].dc.strName, L"Irati"); // FORM before LITO
-  ReadOptions options;
-  options.codeColumn = "lito";
-  const auto set = Read(text, options);
-  EXPECT_EQ(set.holes[0].strata[0].dc.strName, L"Diab\u00E1sio");
-  EXPECT_EQ(set.holes[0].strata[1].dc.strName, L"Carv\u00E3o");
-  options.codeColumn = "CAMADA";
-  EXPECT_EQ(ParseErrorOf([&] { Read(text, options); }),
-            "holes.csv:1: field CAMADA: no such column in the header");
 }
 
 TEST(CsvReaderTest, ColumnNamesOrValuesTellDepthsFromElevations) {
@@ -179,19 +161,6 @@ TEST(CsvReaderTest, EmptyFieldsDisagreeingCollarsAndNonFiniteValuesAreReportedIn
   EXPECT_EQ(Messages(ValidateBoreholes(infinite), Severity::Error),
             (Lines{"holes.csv:2: field X: not a finite number: nan",
                    "holes.csv:3: field TO: not a finite number: -inf"}));
-}
-
-TEST(CsvReaderTest, RowsOfAHoleAreGatheredAndSorted) {
-  const auto set = Read("HOLEID,X,Y,Z,FROM,TO,CODE\n"
-                        "BH2,150,200,48,4,9,CLAY\n"
-                        "BH1,100,200,50,2.5,10,CLAY\n"
-                        "BH2,150,200,48,0,4,SAND\n"
-                        "BH1,100,200,50,0,2.5,SAND\n");
-  EXPECT_EQ(Summary(set), (Lines{"BH2 @150,200 top 48: SAND 48..44@4 CLAY 44..39@2",
-                                 "BH1 @100,200 top 50: SAND 50..47.5@5 CLAY 47.5..40@3"}));
-  EXPECT_EQ(Messages(set.diagnostics),
-            Lines{"holes.csv: warning: field FROM: rows not in order from the top down in 2 holes "
-                  "(BH2, BH1); sorted"});
 }
 
 class TwoTableCsvTest : public ::testing::Test {

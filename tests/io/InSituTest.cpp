@@ -103,32 +103,6 @@ TEST(InSituTest, Ags4StrikesKeepTheirLastReadingAndTestsTheirResultAsReported) {
                 "site.ags:35: warning: field ISPT_TOP: negative depth -1.0; the row is left out"}));
 }
 
-TEST(InSituTest, Ags3WaterStrikesAndABadRowLeftOutWithAWarning) {
-  const std::string ags3 = R"("**WSTK"
-"*HOLE_ID","*WSTK_DEP","*WSTK_NMIN","*WSTK_DATE","*WSTK_TIME","*WSTK_POST"
-"<UNITS>","m","min","dd/mm/yyyy","hhmm","m"
-"BH1","4.5","20","19/05/2010","0930","3.11"
-
-"**ISPT"
-"*HOLE_ID","*ISPT_TOP","*ISPT_NVAL"
-"<UNITS>","m",""
-"BH1","2","17","extra field"
-
-"**GEOL"
-"*HOLE_ID","*GEOL_TOP","*GEOL_BASE","*GEOL_DESC"
-"<UNITS>","m","m",""
-"BH1","0","1.2","Firm brown sandy CLAY"
-)";
-  std::vector<Diagnostic> diagnostics;
-  EXPECT_EQ(Read(ags3, diagnostics),
-            (std::vector<std::string>{"strike 4.5 -> 3.11 after 20 at 19/05/2010 0930 (line 4)",
-                                      "desc 0-1.2 Firm brown sandy CLAY"}));
-  ASSERT_EQ(diagnostics.size(), 1u);
-  EXPECT_NE(diagnostics[0].ToString().find("site.ags:9: warning: field ISPT: the row has 4 fields"),
-            std::string::npos)
-      << diagnostics[0].ToString();
-}
-
 TEST(InSituTest, RealFiles) {
   const struct {
     std::string file;

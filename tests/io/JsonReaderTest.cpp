@@ -5,7 +5,6 @@
 #include "Validation.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 namespace xklink {
 namespace {
@@ -47,28 +46,6 @@ TEST(JsonReaderTest, ReadsHolesStrataAndTheHostsValuesWithTheirLines) {
   EXPECT_TRUE(ValidateBoreholes(set).empty());
   const auto utf8 = Read(Edit(kHoles, R"("code": "B")", "\"code\": \"Diab\xC3\xA1sio\""));
   EXPECT_EQ(utf8.holes[0].strata[1].dc.strName, L"Diab\u00E1sio");
-}
-
-TEST(JsonReaderTest, StrataStayAsGivenForTheValidationToJudge) {
-  const auto overlap =
-      Read(Edit(kHoles, R"("top": 95.0, "bottom": 90.0)", R"("top": 99.0, "bottom": 97.0)"));
-  EXPECT_EQ(Messages(ValidateBoreholes(overlap), Severity::Error),
-            Lines{"holes.json:4: field top: overlaps the stratum on line 3 by 4: top elevation 99 "
-                  "lies above its base 95"});
-  const auto none = Read(Edit(kHoles, kBh2Strata, "[]"));
-  EXPECT_EQ(Messages(ValidateBoreholes(none), Severity::Error),
-            Lines{"holes.json:5: field name: hole 'BH2' has no strata"});
-  EXPECT_EQ(Messages(Read(Edit(kHoles, R"("code": "B")", R"("code": "")")).diagnostics),
-            Lines{"holes.json:4: warning: field code: empty code: the stratum gets an empty code"});
-}
-
-TEST(JsonReaderTest, UnknownMembersAreWarningsOfTheirHole) {
-  const auto set = Read(Edit(Edit(kHoles, R"("bottom": 94})", R"("bottom": 94, "colour": "red"})"),
-                             R"("top": 98,)", R"("top": 98, "elev": 3,)"));
-  EXPECT_EQ(Messages(set.diagnostics),
-            (Lines{"holes.json:5: warning: field elev: unknown member, ignored",
-                   "holes.json:6: warning: field colour: unknown member, ignored"}));
-  EXPECT_EQ(set.diagnostics[0].hole, "BH2");
 }
 
 TEST(JsonReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
@@ -122,11 +99,9 @@ TEST(JsonReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
   }
 }
 
-// Members the tool does not know may hold anything. Nesting is bounded wherever it is: 110,000
-// nested objects inside an unused member once overflowed the stack, and 10,000 with a sibling key
-// after each took half a minute. A long key over a long array is read in memory that grows with the
-// input, not with its square (keeping a path for every value made it 400 MB).
-TEST(JsonReaderTest, NestingIsBoundedAndUnusedMembersCostNoMemory) {
+// Members the tool does not know may hold anything, but nesting is bounded wherever it is: 110,000
+// nested objects inside an unused member once overflowed the stack.
+TEST(JsonReaderTest, NestingIsBoundedEvenInMembersNobodyReads) {
   const auto nested = [](std::size_t depth, const std::string& open, const std::string& close) {
     std::string text;
     for (std::size_t i = 0; i < depth; ++i) {
@@ -151,23 +126,6 @@ TEST(JsonReaderTest, NestingIsBoundedAndUnusedMembersCostNoMemory) {
   EXPECT_EQ(ParseErrorOf([&] { inHole(nested(room + 1, "[", "]")); }), refused);
   EXPECT_EQ(ParseErrorOf([&] { inHole(nested(110000, "{\"a\":", "}")); }),
             Edit(refused, "field deep", "field a"));
-
-  constexpr std::size_t kSize = 20000;
-  const std::string longKey(kSize, 'k');
-  std::string longArray = "[0";
-  for (std::size_t i = 1; i < kSize; ++i) {
-    longArray += ",0";
-  }
-  longArray += "]";
-  rusage before{};
-  getrusage(RUSAGE_SELF, &before);
-  const auto root = Read(Edit(kHoles, "\n]}", "\n], \"" + longKey + "\": " + longArray + "}"));
-  rusage after{};
-  getrusage(RUSAGE_SELF, &after);
-  EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 50L * 1024L);
-  ASSERT_EQ(root.diagnostics.size(), 1U);
-  EXPECT_EQ(root.diagnostics[0].where.line, 7U);
-  EXPECT_EQ(root.diagnostics[0].where.field, longKey);
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace xklink {
 namespace {
@@ -115,38 +114,6 @@ TEST(ValidationTest, NamesCountAndPlanPositionsOfTheHoles) {
                   "'E' (line 10): a section can take only one of them"});
 }
 
-TEST(ValidationTest, ReaderDiagnosticsComeFirstAndMessagesUseTheFileFieldNames) {
-  auto set = MakeSet({West({{L"A", 100, 95}, {L"B", 90, 95}}), East()});
-  set.fields.stratumTop = "GEOL_TOP";
-  set.diagnostics.push_back(MakeWarning({"set.json", 1, {}}, "from the reader"));
-  EXPECT_EQ(Messages(ValidateBoreholes(set))[0], "set.json:1: warning: from the reader");
-  EXPECT_EQ(Messages(ValidateBoreholes(set), Severity::Error),
-            Lines{"set.json:4: field GEOL_TOP: top elevation 90 is below the base elevation 95: "
-                  "the stratum is upside down"});
-}
-
-TEST(SamePlanPositionTest, HolesWithinAMillimetreAcrossCellsAndSigns) {
-  // Pairs straddle the edges of the millimetre grid, on both sides of zero.
-  const struct {
-    double x, y;
-    std::size_t same;
-  } cases[] = {{0.0, 0.0, 0},     {0.00099, 0.0, 0},   {0.0011, 0.0, 2},  {-0.0005, -0.0005, 0},
-               {-0.0015, 0.0, 4}, {0.0011, 0.0009, 2}, {500.0, 7.0, 6},   {500.0005, 6.9995, 6},
-               {NAN, 0.0, 8},     {2e8, 0.0, 9},       {500.0, 7.001, 10}};
-  std::vector<HoleRecord> holes;
-  for (const auto& c : cases) {
-    holes.push_back(MakeHole("H", c.x, c.y, 0, {}, 1));
-  }
-  std::vector<const HoleRecord*> pointers;
-  for (const auto& h : holes) {
-    pointers.push_back(&h);
-  }
-  const auto same = SamePlanPositionAs(pointers);
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    EXPECT_EQ(same[i], cases[i].same) << i;
-  }
-}
-
 // The policy as a table: which holes a section keeps, what it says and what refuses it.
 TEST(HolePolicyTest, WhatIsLeftOutAndWhatRefuses) {
   auto overlap = MakeHole("OV", 200, 0, 100, {{L"A", 100, 95}, {L"B", 96, 90}}, 20);
@@ -207,52 +174,6 @@ TEST(HolePolicyTest, WhatIsLeftOutAndWhatRefuses) {
   }
 }
 
-TEST(HolePolicyTest, NoGroundLevelAnywhereGivesASectionInDepth) {
-  auto a = MakeHole("A", 0, 0, 0, {{L"A", 0, -5}}, 2);
-  auto b = MakeHole("B", 50, 0, 0, {{L"A", 0, -3}}, 4);
-  a.groundLevelKnown = b.groundLevelKnown = false;
-  auto set = MakeSet({a, b});
-  set.fields.holeTop = "LOCA_GL";
-  for (const bool strict : {false, true}) {
-    std::vector<Diagnostic> said;
-    const auto chosen = ChooseHoles(
-        set, {{}, {}, strict}, [&](const Diagnostic& d) { said.push_back(d); },
-        [&](const Diagnostic& d) { said.push_back(d); });
-    EXPECT_TRUE(chosen.depthBelowGround);
-    EXPECT_EQ(chosen.holes.size(), 2U);
-    EXPECT_EQ(Messages(said), Lines{std::string("set.json: ") + (strict ? "" : "warning: ") +
-                                    "field LOCA_GL: no hole has a ground level: the section is "
-                                    "drawn in depth below ground"});
-  }
-  EXPECT_EQ(Check({a, b}), Lines{"set.json: warning: field top: no hole has a ground level: the "
-                                 "section is drawn in depth below ground"});
-}
-
-TEST(CappedReportTest, RepeatsAreCountedAndTheTotalIsBounded) {
-  std::ostringstream out;
-  CappedReport report(out, 2, 5);
-  for (int line = 1; line <= 4; ++line) { // one kind: the numbers and quoted names differ
-    report.Add(MakeWarning({"f.ags", static_cast<std::size_t>(line), "GEOL_TOP"},
-                           "hole 'H" + std::to_string(line) + "' gap of 0." + std::to_string(line) +
-                               " m"));
-  }
-  for (int kind = 0; kind < 5; ++kind) { // five kinds, three of them past the total
-    report.Add(MakeError({"f.ags", 9, {}}, std::string(1, static_cast<char>('a' + kind))));
-  }
-  report.Finish();
-  EXPECT_EQ(report.Count(Severity::Warning), 4U);
-  EXPECT_EQ(report.Count(Severity::Error), 5U);
-  EXPECT_EQ(out.str(), "f.ags:1: warning: field GEOL_TOP: hole 'H1' gap of 0.1 m\n"
-                       "f.ags:2: warning: field GEOL_TOP: hole 'H2' gap of 0.2 m\n"
-                       "f.ags:9: a\n"
-                       "f.ags:9: b\n"
-                       "f.ags:9: c\n"
-                       "f.ags: warning: and 2 more like this: field GEOL_TOP: hole 'H1' gap of "
-                       "0.1 m\n"
-                       "f.ags: and 1 more like this: d\n"
-                       "f.ags: and 1 more like this: e\n");
-}
-
 TEST(SectionSpacingTest, ConsecutiveHolesWithinAMillimetreAreAnError) {
   auto twin = East();
   twin.name = "E2";
@@ -269,16 +190,6 @@ TEST(SectionSpacingTest, ConsecutiveHolesWithinAMillimetreAreAnError) {
 
 std::string SelectionErrorOf(const std::function<void()>& action) {
   return testing::ErrorOf<SelectionError>(action);
-}
-
-TEST(SplitHoleListTest, SplitsAndTrimsAndRefusesEmptyNames) {
-  EXPECT_EQ(SplitHoleList(" BH01 , BH 02,BH03 "), (Lines{"BH01", "BH 02", "BH03"}));
-  EXPECT_EQ(SplitHoleList("BH01"), Lines{"BH01"});
-  EXPECT_EQ(SelectionErrorOf([] { SplitHoleList("BH01,,BH02"); }),
-            "empty hole name in the list 'BH01,,BH02'");
-  for (const char* list : {"", "A,", ",A", " , "}) {
-    EXPECT_THROW(SplitHoleList(list), SelectionError) << list;
-  }
 }
 
 TEST(SelectHolesTest, KeepsTheOrderGivenAndTheDiagnosticsThatConcernIt) {
