@@ -6,7 +6,6 @@
 #include "SectionFixtures.h"
 
 #include <gtest/gtest.h>
-#include <stdexcept>
 
 namespace xklink::drawing {
 namespace {
@@ -52,16 +51,6 @@ TEST(Alignment, BestFitLineRunsEastThroughTheSpreadOfTheHoles) {
   EXPECT_NEAR(line.Project({430102.0, 180098.0}).chainage, line.Length(), 1e-6);
   // Due north: south to north.
   EXPECT_DOUBLE_EQ(BestFitLine({{5.0, 10.0}, {5.0, 0.0}}).BearingAt(0.0), 0.0);
-}
-
-TEST(Alignment, VertexListsAndTheirFaults) {
-  const std::vector<PlanPoint> v = ParseVertexList(" 1.5,2, 3 ,4e1");
-  ASSERT_EQ(v.size(), 2u);
-  EXPECT_DOUBLE_EQ(v[1].n, 40.0);
-  for (const char* bad : {"1,2,3", "1,2", "1,2,x,4", "1,2,,4", "1,2,3,4,", "1,2,3,inf"}) {
-    EXPECT_THROW(ParseVertexList(bad), std::invalid_argument) << bad;
-  }
-  EXPECT_THROW(Alignment({{1.0, 1.0}, {1.0, 1.0}}, AlignmentKind::Given), std::invalid_argument);
 }
 
 TEST(Beneath, SpansRunBetweenHolesDeeperThanTheShallowOnes) {

@@ -41,15 +41,6 @@ TEST(DefaultColour, StableLightAndSpreadOverThePalette) {
   EXPECT_TRUE(made.r == made.g && made.g == made.b) << ToHex(made); // grey
 }
 
-TEST(ColourOf, LegendWinsAndBadLegendColoursFallBack) {
-  Legend legend;
-  legend[L"LC"] = {"#123456", "London Clay"};
-  legend[L"X"] = {"not a colour\"/><script>", ""};
-  EXPECT_EQ(ColourOf(legend, L"LC"), (Rgb{0x12, 0x34, 0x56}));
-  EXPECT_EQ(ColourOf(legend, L"X"), Default(L"X"));
-  EXPECT_EQ(ColourOf(legend, L"absent"), Default(L"absent"));
-}
-
 // A section of one hole per list of codes, each code a metre thick from the top down.
 Section Holes(const std::vector<std::vector<std::wstring>>& logs) {
   Section section;

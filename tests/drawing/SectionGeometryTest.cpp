@@ -103,35 +103,5 @@ TEST(CollectShapes, OnePerLeafAndLineWithinItsPairDroppingWhatDoesNotMap) {
   }
 }
 
-TEST(CollectRegionShapes, CodesOfTheFilledRegions) {
-  struct Case {
-    const char* what;
-    std::vector<testing::Stratum> west, east;
-    std::vector<std::wstring> codes; // sorted
-  };
-  const Case cases[] = {
-      {"below the deepest common stratum unfilled",
-       {{L"A", 10.0, 8.0}, {L"B", 8.0, 5.0}, {L"C", 5.0, 2.0}, {L"D", 2.0, 0.0}},
-       {{L"A", 11.0, 9.0}, {L"C", 9.0, 4.0}},
-       {L"A", L"B", L"C"}},
-      {"unnamed root of one code takes it",
-       {{L"A", 10.0, 8.0}, {L"A", 8.0, 5.0}},
-       {{L"A", 11.0, 9.0}},
-       {L"A"}},
-      {"unmatched codes stay unnamed", {{L"A", 10.0, 8.0}}, {{L"B", 11.0, 9.0}}, {L""}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    std::vector<std::wstring> codes;
-    for (const RegionShape& shape : CollectRegionShapes(
-             testing::CorrelatedSection("t", {{"W", MakeHole(L"W", 0.0, 0.0, c.west)},
-                                              {"E", MakeHole(L"E", 50.0, 0.0, c.east)}}))) {
-      codes.push_back(shape.code);
-    }
-    std::sort(codes.begin(), codes.end());
-    EXPECT_EQ(codes, c.codes);
-  }
-}
-
 } // namespace
 } // namespace xklink::drawing

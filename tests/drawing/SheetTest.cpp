@@ -8,7 +8,6 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
-#include <set>
 
 namespace xklink::drawing {
 namespace {
@@ -88,28 +87,6 @@ TEST(ComposeSheet, DrawsTheExaggerationItStatesWithEverythingOnTheSheet) {
     EXPECT_EQ(cell, cells.end());
     ExpectInsideAndFinite(sheet);
   }
-}
-
-TEST(ComposeSheet, OneFillPerLeafOnePolylinePerLineAndALegendEntryPerCode) {
-  const Section section = testing::LondonSection();
-  Legend legend;
-  legend[L"LC"] = {"#123456", "London Clay Formation"};
-  const Sheet sheet = ComposeSheet(section, legend, {});
-  EXPECT_EQ(On<Path>(sheet, Layer::Strata).size(), testing::LeafCount(section));
-  EXPECT_EQ(On<Path>(sheet, Layer::SectionLines).size(), testing::LineCount(section));
-  std::vector<std::string> codes;
-  for (const Text* text : On<Text>(sheet, Layer::Legend)) {
-    if (text->bold && text->text != "Legend") {
-      codes.push_back(text->text);
-    }
-  }
-  // Each code once, from the top down.
-  EXPECT_EQ(std::set<std::string>(codes.begin(), codes.end()),
-            (std::set<std::string>{"MG", "ALV", "PEAT", "RTD", "LC", "CLST", "LMG"}));
-  EXPECT_EQ(codes.size(), 7u);
-  EXPECT_EQ(codes.front(), "MG");
-  EXPECT_EQ(codes.back(), "LMG");
-  EXPECT_TRUE(Mentions(sheet, Layer::Legend, "London Clay Formation"));
 }
 
 TEST(ComposeSheet, AwkwardInputStaysOnTheSheet) {
