@@ -65,15 +65,5 @@ TEST(CheckCommandTest, RepeatedProblemsAreCounted) {
                          ": 400 error(s), 0 warning(s)\n");
 }
 
-TEST(CheckCommandTest, UnreadableFilesAreNamed) {
-  TempDir dir;
-  const std::string missing = (dir / "missing.ags").string();
-  ExpectRefused(RunTool({"check", missing}), {missing, "does not exist"});
-  // A JSON syntax error (the missing comma after line 2) is placed on its line.
-  const std::string broken =
-      dir.Write("broken.json", "{\"boreholes\": [\n  {\"name\": \"BH1\"\n   \"x\": 0}\n]}\n");
-  ExpectRefused(RunTool({"check", broken}), {broken + ":3: JSON: syntax error"});
-}
-
 } // namespace
 } // namespace xktool

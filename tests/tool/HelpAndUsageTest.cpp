@@ -1,5 +1,5 @@
 // The command line itself: help with examples for every command, and exit status 2 for anything
-// the tool does not know.
+// the tool does not know or cannot read.
 #include "ToolRunner.h"
 
 namespace xktool {
@@ -35,7 +35,12 @@ TEST(HelpAndUsageTest, UnknownCommandsOptionsAndValuesExitWithTwo) {
       // Beyond what the drawing can hold, or no number: refused, not quietly drawn as another.
       {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "1e20"},
       {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "0.001"},
-      {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "nan"}};
+      {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "nan"},
+      // A drawing is named .svg or .dxf, and there is none on standard output.
+      {"section", kOverview, "-o", (dir / "section.png").string()},
+      {"section", kOverview, "-o", (dir / "svg").string()},
+      {"section", kOverview},
+      {"check", (dir / "missing.ags").string()}};
   for (const auto& args : misuses) {
     const RunResult run = RunTool(args);
     SCOPED_TRACE(::testing::PrintToString(args));

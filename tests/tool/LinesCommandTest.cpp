@@ -53,40 +53,6 @@ TEST(LinesCommandTest, CsvQuotesNamesWithCommasAndQuotesAndEscapesControls) {
   EXPECT_EQ(lines[0].at("lines")[0].at("down"), std::string("Cl\0ay", 5));
 }
 
-// The positions on WGS 84 are checked in tests/gis; here the lines and their properties.
-TEST(LinesCommandTest, GeoJsonCarriesTheSameLinesAsJson) {
-  for (const std::string& file : {kOverview, kNle}) {
-    SCOPED_TRACE(file);
-    const RunResult js = RunTool({"lines", file});
-    const RunResult geo = RunTool({"lines", file, "--format", "geojson", "--crs", "EPSG:27700"});
-    ASSERT_EQ(js.exitCode, 0) << js.Describe();
-    ASSERT_EQ(geo.exitCode, 0) << geo.Describe();
-    const json doc = json::parse(geo.out);
-    EXPECT_EQ(doc.at("type"), "FeatureCollection");
-    const json& features = doc.at("features");
-    std::size_t k = 0;
-    for (const json& pair : json::parse(js.out)) {
-      for (const json& line : pair.at("lines")) {
-        ASSERT_LT(k, features.size());
-        const json& feature = features[k++];
-        EXPECT_EQ(feature.at("geometry").at("type"), "LineString");
-        const json& ends = feature.at("geometry").at("coordinates");
-        // 3-D line strings: the elevation is kept.
-        EXPECT_EQ(ends.at(0).at(2), line["p1"][2]);
-        EXPECT_EQ(ends.at(1).at(2), line["p2"][2]);
-        const json expected = {{"from", pair["from"]},
-                               {"to", pair["to"]},
-                               {"type", line["type"]},
-                               {"up", line["up"]},
-                               {"down", line["down"]}};
-        EXPECT_EQ(feature.at("properties"), expected);
-      }
-    }
-    EXPECT_EQ(k, features.size());
-    EXPECT_GE(k, 3u);
-  }
-}
-
 TEST(LinesCommandTest, OnePairPerConsecutiveHoleInTheGivenOrderOrAlongTheSection) {
   TempDir dir;
   // Three holes, each A over B, listed out of order: P at x 0, Q at x 40, R at x 100. Between any

@@ -91,14 +91,5 @@ TEST(RegionsCommandTest, NumbersAreTheShortestThatReadBack) {
   }
 }
 
-TEST(RegionsCommandTest, OutputOptionWritesTheSameTreeToAFile) {
-  TempDir dir;
-  const RunResult toFile = RunTool({"regions", kOverview, "-o", (dir / "tree.json").string()});
-  ASSERT_EQ(toFile.exitCode, 0) << toFile.Describe();
-  EXPECT_EQ(toFile.out, "");
-  EXPECT_EQ(ReadFile(dir / "tree.json"), RunTool({"regions", kOverview}).out);
-  EXPECT_EQ(dir.Entries(), std::vector<std::string>{"tree.json"});
-}
-
 } // namespace
 } // namespace xktool

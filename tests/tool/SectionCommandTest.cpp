@@ -285,31 +285,5 @@ TEST(SectionCommandTest, BedrockContinuesBeneathTheShallowHolesOfM621) {
   EXPECT_EQ(OverlappingLabels(section), "");
 }
 
-TEST(SectionCommandTest, NoTwoLabelsOverlapOnTheRealFiles) {
-  TempDir dir;
-  for (const std::string& file :
-       {std::string(kNle), (kRealData / "dlr-woolwich" / "DLR_Woolwich_Extension.ags").string(),
-        (kRealData / "dlr-city-airport" / "DLR_City_Airport_Extension.ags").string()}) {
-    SCOPED_TRACE(file);
-    const nlohmann::json section = SectionJson(dir, {file});
-    ASSERT_TRUE(section.contains("labels"));
-    EXPECT_GT(section.at("labels").size(), section.at("holes").size());
-    EXPECT_EQ(OverlappingLabels(section), "");
-  }
-}
-
-TEST(SectionCommandTest, DrawingMustBeNamedSvgOrDxf) {
-  TempDir dir;
-  for (const std::string name : {"section.png", "section", "svg"}) {
-    ExpectRefused(RunTool({"section", kOverview, "-o", (dir / name).string()}), {"--output"});
-  }
-  // -o is required: there is no drawing on standard output.
-  ExpectRefused(RunTool({"section", kOverview}), {});
-  // Upper-case extensions are the same formats.
-  const RunResult upper = RunTool({"section", kOverview, "-o", (dir / "A.SVG").string()});
-  EXPECT_EQ(upper.exitCode, 0) << upper.Describe();
-  EXPECT_EQ(dir.Entries(), std::vector<std::string>{"A.SVG"});
-}
-
 } // namespace
 } // namespace xktool

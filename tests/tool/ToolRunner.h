@@ -1,4 +1,4 @@
-// Running xklink (and the external checkers: xmllint, rsvg-convert, ezdxf) as a child process, the
+// Running xklink (and the external checkers: xmllint, ezdxf) as a child process, the
 // way a user or a script does: arguments in, standard output, standard error and the exit status
 // out. Every test works in its own temporary directory.
 #pragma once

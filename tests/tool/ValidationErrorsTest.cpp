@@ -80,27 +80,6 @@ TEST_F(ValidationErrorsTest, ABadHoleIsLeftOutUnlessNamedOrStrict) {
   Expect(nan, {{{"--holes", "BH1,BH2"}, {nan + ":3: field to: not a finite number: nan"}, true}});
 }
 
-TEST_F(ValidationErrorsTest, GeologyOfAHoleMissingFromLocaIsLeftOutOrRefusedWhenNamed) {
-  const std::string file = dir.Write("orphan.ags", R"("GROUP","LOCA"
-"HEADING","LOCA_ID","LOCA_NATE","LOCA_NATN","LOCA_GL"
-"DATA","BH1","1000.00","2000.00","10.00"
-"DATA","BH2","1050.00","2000.00","11.00"
-
-"GROUP","GEOL"
-"HEADING","LOCA_ID","GEOL_TOP","GEOL_BASE","GEOL_GEOL"
-"DATA","BH1","0.00","2.00","MG"
-"DATA","BH2","0.00","3.00","MG"
-"DATA","BH3","0.00","4.00","MG"
-)");
-  Expect(file, {
-                   {{},
-                    {file + ":10: warning: field LOCA_ID: hole 'BH3' left out: has GEOL rows "
-                            "but no LOCA row"}},
-                   {{"--strict"}, {file + ":10: field LOCA_ID: hole 'BH3' has GEOL rows"}, true},
-                   {{"--holes", "BH3,BH1"}, {"no hole 'BH3'"}, true},
-               });
-}
-
 TEST_F(ValidationErrorsTest, DuplicateUnknownAndTooFewNames) {
   const std::string file =
       Holes("dup.json", {Hole("BH1", "0"), Hole("BH2", "50"), Hole("BH1", "80", 91)});
@@ -115,39 +94,6 @@ TEST_F(ValidationErrorsTest, DuplicateUnknownAndTooFewNames) {
   Expect(Holes("one.json", {Hole("BH1", "0")}), {{{}, {"at least two", "the file has 1"}, true}});
   Expect(dir.Write("none.json", R"({"boreholes": []})"), {{{}, {"the file has 0"}, true}},
          "section");
-}
-
-TEST_F(ValidationErrorsTest, HolesAtOnePlanPosition) {
-  // A and C stand within a millimetre of each other, A logged deeper; B 50 m away.
-  const std::string file =
-      Holes("same.json", {Hole("A", "0"), Hole("B", "50"), Hole("C", "0.0004", 92)});
-  const std::string keepsA = file + ":4: warning: field x: hole 'C' left out: stands at the same "
-                                    "plan position as 'A' (line 2), whose log goes deeper";
-  Expect(
-      file,
-      {
-          {{}, {keepsA}},
-          {{"--strict"}, {file + ":4: field x: hole 'C' stands at the same plan position"}, true},
-          {{"--holes", "A,C,B"},
-           {file + ":4: field name: holes 'A' and 'C' stand at the same"},
-           true},
-          // Apart in a section named so, they are allowed, with a warning.
-          {{"--holes", "A,B,C"}, {"warning: field x: hole 'C' stands at the same plan position"}},
-      });
-  // 2 mm apart is two positions.
-  Expect(Holes("near.json", {Hole("A", "0"), Hole("C", "0.002", 92)}), {{{}, {}, false, {"C"}}});
-}
-
-TEST_F(ValidationErrorsTest, ValuesNoBoreholeCanHaveAreNamed) {
-  const std::string file = Holes("far.json", {Hole("A", "0"), Hole("B", "50"), Hole("C", "1e300"),
-                                              R"("name": "D", "x": 60, "y": 0, "top": 1.7e308,
-                            "strata": [{"code": "S", "top": 1.7e308, "bottom": -1.7e308}])"});
-  Expect(file,
-         {{{},
-           {"hole 'C' left out: coordinate 1e+300 lies beyond ±100000000 m",
-            ":5: warning: field top: hole 'D' left out: elevation 1.7e+308 lies beyond ±15000 m",
-            "2 of 4 holes left out of the section: C, D"}},
-          {{"--holes", "A,C"}, {":4: field x: coordinate 1e+300"}, true}});
 }
 
 TEST_F(ValidationErrorsTest, HolesWithoutAGroundLevel) {
