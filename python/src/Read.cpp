@@ -62,7 +62,8 @@ Read(const std::filesystem::path& path, const std::optional<std::string>& inputF
   } catch (const std::invalid_argument& e) {
     BadOption("input_format", e.what());
   }
-  const ReadOptions options = ToReadOptions(format, collars, depths, codeColumn, mergeRepeats);
+  ReadOptions options = ToReadOptions(format, collars, depths, codeColumn, mergeRepeats);
+  options.inSitu = true; // water and SPT, drawn beside the logs of its sections as by the tool
   HolePolicy policy;
   policy.named = holes ? SplitNames(*holes, "holes") : std::vector<std::string>{};
   policy.excluded = exclude ? SplitNames(*exclude, "exclude") : std::vector<std::string>{};
@@ -95,6 +96,7 @@ Read(const std::filesystem::path& path, const std::optional<std::string>& inputF
   site->set.fields = all.fields;
   site->set.skipped = all.skipped;
   site->set.codeDescriptions = all.codeDescriptions;
+  site->set.inSitu = std::move(all.inSitu);
   site->set.holes = std::move(chosen.holes);
   for (const HoleRecord& record : site->set.holes) {
     site->holes.push_back(std::make_shared<Hole>(Hole{record, record.ToZK()}));

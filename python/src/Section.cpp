@@ -154,6 +154,11 @@ SectionView MakeSection(const Site& site, const std::optional<HoleNames>& holeNa
   view.alignment =
       holeNames ? drawing::FenceLine(PlanPositions(zks)) : drawing::BestFitLine(PlanPositions(zks));
   view.holes = PlaceOnLine(*view.alignment, names, zks);
+  for (SectionHole& hole : view.holes) {
+    if (const auto found = site.set.inSitu.find(hole.name); found != site.set.inSitu.end()) {
+      hole.inSitu = found->second;
+    }
+  }
   for (std::size_t i = 0; i < results.size(); ++i) {
     view.pairs.push_back(
         {names[i], names[i + 1], std::move(results[i].root), std::move(results[i].lines)});

@@ -97,6 +97,10 @@ const char* LayerName(Layer layer) {
     return "REGION-LABELS";
   case Layer::BoreholeLabels:
     return "BOREHOLE-LABELS";
+  case Layer::Water:
+    return "WATER";
+  case Layer::Tests:
+    return "SPT";
   case Layer::Axes:
     return "AXES";
   case Layer::Legend:
@@ -239,12 +243,14 @@ private:
       Layer layer;
       Rgb colour;
     };
-    const std::array<Fixed, 10> fixed = {{{Layer::Grid, {0xc8, 0xc8, 0xc8}},
+    const std::array<Fixed, 12> fixed = {{{Layer::Grid, {0xc8, 0xc8, 0xc8}},
                                           {Layer::SectionLines, {0x2b, 0x2b, 0x2b}},
                                           {Layer::Ground, {0, 0, 0}},
                                           {Layer::Boreholes, {0, 0, 0}},
                                           {Layer::RegionLabels, {0x1a, 0x1a, 0x1a}},
                                           {Layer::BoreholeLabels, {0x1a, 0x1a, 0x1a}},
+                                          {Layer::Water, {0x1f, 0x5f, 0xbf}},
+                                          {Layer::Tests, {0x7a, 0x2b, 0x00}},
                                           {Layer::Axes, {0, 0, 0}},
                                           {Layer::Legend, {0, 0, 0}},
                                           {Layer::Title, {0, 0, 0}},

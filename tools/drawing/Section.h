@@ -20,6 +20,7 @@
 #pragma once
 
 #include "Alignment.h"
+#include "InSitu.h"
 
 #include <XKLinkDc/XKLinkDc.h>
 #include <cstddef>
@@ -34,12 +35,14 @@ namespace xklink {
 
 // One borehole of the section. `chainage` is its distance along the section line, `offset` its
 // distance from the line, positive to the right looking along the chainage (both in the units of
-// the plan coordinates); `name` is shown on the sheet (UTF-8).
+// the plan coordinates); `name` is shown on the sheet (UTF-8). `inSitu` is what its log records
+// besides the strata (water, SPT, descriptions), drawn beside its column; empty when unknown.
 struct SectionHole {
   std::string name;
   double chainage = 0.0;
   DataType::_sZK zk;
   double offset = 0.0;
+  HoleInSitu inSitu = {};
 };
 
 // The correlation of holes[from] (borehole 1 of the calls) with holes[to] (borehole 2): the
@@ -114,12 +117,13 @@ std::string RenderSvg(const Section& section, const Legend& legend, const DrawOp
 // The sheet as an AutoCAD R2000 DXF drawing (ASCII). Drawing units: x is the distance along the
 // section, y the elevation times the vertical exaggeration, so that the DXF looks like the SVG.
 // Layers: STRATA-<code> (a solid hatch and a closed outline per region), SECTION-LINES (one
-// polyline per section line), GROUND, BOREHOLES, BOREHOLE-LABELS, REGION-LABELS, GRID, AXES,
-// LEGEND and TITLE.
+// polyline per section line), GROUND, BOREHOLES, BOREHOLE-LABELS, REGION-LABELS, WATER (strikes
+// and standing levels), SPT (test results), GRID, AXES, LEGEND and TITLE.
 std::string RenderDxf(const Section& section, const Legend& legend, const DrawOptions& options);
 
 // The laid-out section as JSON, for users who plot it their own way: the line of the section; each
-// hole with its chainage, offset, position, ground level and strata; every filled region as a
+// hole with its chainage, offset, position, ground level, strata, water and SPT; every filled
+// region as a
 // polygon of [chainage, elevation] points; every section line; and every text of the sheet with its
 // box on the sheet ([left, top, right, bottom], sheet units, y downwards).
 std::string RenderSectionJson(const Section& section, const Legend& legend,

@@ -1,5 +1,6 @@
 // The laid-out section as JSON. Every number is in metres (chainage, offset, elevations, the plan
-// positions) except the label boxes, which are in the units of the sheet.
+// positions) except the label boxes, which are in the units of the sheet. Each hole carries the
+// water and SPT of its log at their depths and elevations.
 #include "Section.h"
 #include "SectionGeometry.h"
 #include "Sheet.h"
@@ -34,6 +35,45 @@ json Number(double value) {
   return std::isfinite(value) ? json(value) : json(nullptr);
 }
 
+template <typename T> json Optional(const std::optional<T>& value) {
+  return value ? json(*value) : json(nullptr);
+}
+
+// Water met in the hole: strikes with the level the water rose to, then the levels monitored.
+// Depths below ground as logged, elevations from the hole's ground level.
+json WaterJson(const SectionHole& hole) {
+  const double ground = hole.zk.dTopGC;
+  json water = json::array();
+  for (const WaterStrike& w : hole.inSitu.waterStrikes) {
+    water.push_back({{"kind", "strike"},
+                     {"depth", w.depth},
+                     {"elevation", Number(ground - w.depth)},
+                     {"rose_to", Optional(w.roseTo)},
+                     {"rose_to_elevation", w.roseTo ? Number(ground - *w.roseTo) : json(nullptr)},
+                     {"minutes", Optional(w.minutes)},
+                     {"time", drawing::SanitizeUtf8(w.time)}});
+  }
+  for (const StandingLevel& l : hole.inSitu.standingLevels) {
+    water.push_back({{"kind", "standing"},
+                     {"depth", l.depth},
+                     {"elevation", Number(ground - l.depth)},
+                     {"time", drawing::SanitizeUtf8(l.time)},
+                     {"instrument", drawing::SanitizeUtf8(l.instrument)}});
+  }
+  return water;
+}
+
+json SptJson(const SectionHole& hole) {
+  json spt = json::array();
+  for (const SptResult& t : hole.inSitu.spt) {
+    spt.push_back({{"depth", t.depth},
+                   {"elevation", Number(hole.zk.dTopGC - t.depth)},
+                   {"n", Optional(t.n)},
+                   {"result", drawing::SanitizeUtf8(SptLabel(t))}});
+  }
+  return spt;
+}
+
 } // namespace
 
 std::string RenderSectionJson(const Section& section, const Legend& legend,
@@ -65,7 +105,9 @@ std::string RenderSectionJson(const Section& section, const Legend& legend,
                      {"easting", Number(hole.zk.dX)},
                      {"northing", Number(hole.zk.dY)},
                      {"ground_level", Number(hole.zk.dTopGC)},
-                     {"strata", strata}});
+                     {"strata", strata},
+                     {"water", WaterJson(hole)},
+                     {"spt", SptJson(hole)}});
   }
   out["holes"] = holes;
   json regions = json::array();

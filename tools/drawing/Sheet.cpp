@@ -4,6 +4,7 @@
 #include "Sheet.h"
 
 #include "HoleHeaders.h"
+#include "InSituLayer.h"
 #include "RegionLabels.h"
 #include "SectionGeometry.h"
 #include "SheetCanvas.h"
@@ -352,13 +353,15 @@ Sheet ComposeSheet(const Section& section, const Legend& legend, const DrawOptio
   DrawAxes(canvas, section, frame, unit, options.depthBelowGround);
   const bool inferred = std::any_of(view.regions.begin(), view.regions.end(),
                                     [](const RegionShape& r) { return r.beneath; });
-  const double legendBottom =
-      DrawLegendPanel(canvas, rows, legendLeft, frame.top, legendWidth, inferred);
+  const double legendBottom = DrawInSituKey(
+      canvas, section, view.holes, legendLeft,
+      DrawLegendPanel(canvas, rows, legendLeft, frame.top, legendWidth, inferred), legendWidth);
   sheet.height = std::max(sheet.height, legendBottom + 20.0);
   for (Text& t : titleTexts) {
     canvas.AddText(std::move(t));
   }
   DrawColumnCodes(canvas, section, view.holes, frame);
+  DrawInSitu(canvas, section, view.holes, frame);
   DrawRegionLabels(canvas, filled);
   return sheet;
 }

@@ -28,6 +28,8 @@ enum class Layer {
   Boreholes,
   RegionLabels,
   BoreholeLabels,
+  Water, // strikes and standing levels beside the logs
+  Tests, // in-situ test results (SPT) beside the logs
   Axes,
   Legend,
   Title,

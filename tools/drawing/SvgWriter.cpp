@@ -35,6 +35,10 @@ const char* LayerClass(Layer layer) {
     return "region-labels";
   case Layer::BoreholeLabels:
     return "borehole-labels";
+  case Layer::Water:
+    return "water";
+  case Layer::Tests:
+    return "tests";
   case Layer::Axes:
     return "axes";
   case Layer::Legend:

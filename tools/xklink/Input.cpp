@@ -41,6 +41,7 @@ BoreholeSet ReadInput(const InputOptions& options) {
     read.codeColumn = options.codeColumn;
   }
   read.mergeRepeats = options.mergeRepeats;
+  read.inSitu = options.inSitu;
   return ReadBoreholes(path, format, read);
 }
 
@@ -52,7 +53,7 @@ std::vector<std::string> SplitOption(const std::string& list) {
 
 SectionHoles LoadSection(const InputOptions& options, const std::string& holeList,
                          DefaultHoles defaults, std::ostream& warnings) {
-  const BoreholeSet all = ReadInput(options);
+  BoreholeSet all = ReadInput(options);
   HolePolicy policy;
   policy.named = SplitOption(holeList);
   policy.excluded = SplitOption(options.exclude);
@@ -90,6 +91,7 @@ SectionHoles LoadSection(const InputOptions& options, const std::string& holeLis
   SectionHoles section;
   section.depthBelowGround = chosen.depthBelowGround;
   section.codeDescriptions = all.codeDescriptions;
+  section.inSitu = std::move(all.inSitu);
   for (const HoleRecord& hole : chosen.holes) {
     section.names.push_back(hole.name);
     section.holes.push_back(hole.ToZK());

@@ -1,6 +1,8 @@
 // From the command line's input options to the holes of a section, validated.
 #pragma once
 
+#include "InSitu.h"
+
 #include <XKLinkDc/XKLinkDc.h>
 #include <iosfwd>
 #include <map>
@@ -19,6 +21,7 @@ struct InputOptions {
   bool mergeRepeats = false; // merge consecutive strata of one code into one
   std::string exclude;       // holes never to use, comma-separated
   bool strict = false;       // any problem refuses, instead of leaving a hole or row out
+  bool inSitu = false;       // also read water, SPT and descriptions (AGS files)
 };
 
 // Which holes a command works on when --holes is not given.
@@ -33,6 +36,7 @@ struct SectionHoles {
   // No hole has a ground level: every collar is at 0 and elevations are minus depths.
   bool depthBelowGround = false;
   std::map<std::string, std::string> codeDescriptions; // code -> what the file says it means
+  InSituData inSitu; // of every hole of the file, when InputOptions::inSitu asks for it
 };
 
 // Reads and validates the file, reports warnings on `warnings` (the first hundred, repeats

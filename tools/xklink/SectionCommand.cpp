@@ -79,6 +79,7 @@ SectionHoles ChooseSectionHoles(const Options& options,
   SectionHoles near;
   near.depthBelowGround = holes.depthBelowGround;
   near.codeDescriptions = holes.codeDescriptions;
+  near.inSitu = std::move(holes.inSitu);
   for (std::size_t i = 0; i < holes.holes.size(); ++i) {
     const DataType::_sZK& hole = holes.holes[i];
     if (std::fabs(given->Project({hole.dX, hole.dY}).offset) <= options.buffer) {
@@ -111,6 +112,11 @@ Section BuildSection(const Options& options, bool& depthBelowGround,
   section.title = options.title;
   section.alignment = line;
   section.holes = PlaceOnLine(line, holes.names, holes.holes);
+  for (SectionHole& hole : section.holes) {
+    if (const auto found = holes.inSitu.find(hole.name); found != holes.inSitu.end()) {
+      hole.inSitu = found->second;
+    }
+  }
 
   // Consecutive holes, then each pair of deeper holes across shallower ones.
   std::vector<std::pair<std::size_t, std::size_t>> pairs;
@@ -206,6 +212,7 @@ void AddSectionCommand(CLI::App& app) {
     const Legend legend = options->legend.empty() ? Legend{} : ReadLegendCsv(options->legend);
     bool depthBelowGround = false;
     std::map<std::string, std::string> codeDescriptions;
+    options->input.inSitu = true; // water and tests are drawn beside the logs in every form
     const Section section = BuildSection(*options, depthBelowGround, codeDescriptions);
     DrawOptions draw;
     draw.exaggeration = options->exaggeration;
