@@ -1,4 +1,5 @@
-// xklink section: the drawn cross-section, as SVG, DXF or the laid-out section as JSON.
+// xklink section: the drawn cross-section, as SVG, DXF, an interactive page or the laid-out section
+// as JSON.
 #include "Beneath.h"
 #include "Colour.h"
 #include "Commands.h"
@@ -8,6 +9,7 @@
 #include "OutputFile.h"
 #include "PairCorrelation.h"
 #include "Section.h"
+#include "SectionHtml.h"
 #include "SectionLayout.h"
 #include "TextMetrics.h"
 
@@ -159,7 +161,8 @@ void AddSectionCommand(CLI::App& app) {
   AddInputOptions(*command, options->input);
   command
       ->add_option("-o,--output", options->output,
-                   "File to write: NAME.svg, NAME.dxf or NAME.json (the laid-out section)")
+                   "File to write: NAME.svg, NAME.dxf, NAME.html (to explore in a browser) or "
+                   "NAME.json (the laid-out section)")
       ->required();
   command->add_option("--holes", options->holes,
                       "Holes of the section, as A,B,C: without a line, a fence through them in "
@@ -204,8 +207,9 @@ void AddSectionCommand(CLI::App& app) {
     RequireOutputIsNotAnInput(options->output, {options->input.file, options->input.collars,
                                                 options->legend, options->lineFile});
     const std::string extension = LowerExtension(options->output);
-    if (extension != ".svg" && extension != ".dxf" && extension != ".json") {
-      throw UsageError("--output: the drawing must be named .svg, .dxf or .json, not '" +
+    if (extension != ".svg" && extension != ".dxf" && extension != ".html" &&
+        extension != ".json") {
+      throw UsageError("--output: the drawing must be named .svg, .dxf, .html or .json, not '" +
                        options->output + "'");
     }
     // The legend is read before the correlation: a bad legend line should not cost a long run.
@@ -219,9 +223,10 @@ void AddSectionCommand(CLI::App& app) {
     draw.title = options->title;
     draw.depthBelowGround = depthBelowGround;
     const Legend colours = drawing::SectionLegend(legend, section, codeDescriptions);
-    const std::string drawing = extension == ".svg"   ? RenderSvg(section, colours, draw)
-                                : extension == ".dxf" ? RenderDxf(section, colours, draw)
-                                                      : RenderSectionJson(section, colours, draw);
+    const std::string drawing = extension == ".svg"    ? RenderSvg(section, colours, draw)
+                                : extension == ".dxf"  ? RenderDxf(section, colours, draw)
+                                : extension == ".html" ? RenderSectionHtml(section, colours, draw)
+                                                       : RenderSectionJson(section, colours, draw);
     WriteFileAtomically(options->output, drawing);
   });
 }
