@@ -19,6 +19,7 @@ constexpr double kTriangleHalf = 4.0;
 constexpr double kTriangleHeight = 7.0;
 constexpr double kLabelOffset = 15.0;
 constexpr double kLabelSize = 9.0;
+constexpr double kLabelMargin = 5.0;
 // A rise of less than a centimetre is no rise: the logs write levels to the centimetre.
 constexpr double kNoRise = 0.01;
 
@@ -80,11 +81,17 @@ bool Label(Canvas& canvas, const Frame& frame, const Beside& at, double y, const
                            false, colour);
   t.halo = true;
   const Box box = TextBox(t);
+  // A margin at its far end from the log: the width estimate is short for wide capitals, and a
+  // code such as "MG" placed beside a result would otherwise touch it.
+  const bool right = at.anchor == Anchor::Start;
+  const Box room{box.left - (right ? 0.0 : kLabelMargin), box.top,
+                 box.right + (right ? kLabelMargin : 0.0), box.bottom};
   if (box.left < frame.left || box.right > frame.Right() || box.top < frame.top ||
-      box.bottom > frame.Bottom() || !canvas.Free(box)) {
+      box.bottom > frame.Bottom() || !canvas.Free(room)) {
     return false;
   }
   canvas.AddText(std::move(t));
+  canvas.Take(room);
   return true;
 }
 
