@@ -34,8 +34,9 @@ std::string Repr(const CXk3DPoint& p) {
 // same plan position, and their correlation must stay within the work the tool takes on.
 void RequireCorrelatable(const Hole& a, const Hole& b) {
   Report(CheckSectionSpacing({a.record, b.record}));
-  if (EqualCodePairs(a.record, b.record) > kMaxEqualCodePairs) {
-    RequireWorkWithinLimit({a.record, b.record});
+  if (EqualCodePairs(a.record, b.record) > kMaxEqualCodePairs ||
+      EnvelopeWork(a.record) > kMaxEnvelopeWork || EnvelopeWork(b.record) > kMaxEnvelopeWork) {
+    RequireWorkWithinLimit({a.record, b.record}); // says which
   }
 }
 

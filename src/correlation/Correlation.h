@@ -12,6 +12,7 @@
 #include <XKLinkDc/XKLinkDc.h>
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -102,6 +103,24 @@ struct SweepBuffers {
 };
 
 // Scratch of the stratum runs of the closing routines.
+// Scratch of fusing a long run list (LongRunFusion.cpp): linked lists over the runs, per code and
+// per run of the region's own code.
+struct LongFusionBuffers {
+  std::vector<int32_t> next, prev;         // per run: the list of runs
+  std::vector<int32_t> nextSame, prevSame; // per run: the runs of its code
+  std::vector<int32_t> head, tail, count;  // per code: its runs
+  std::vector<int32_t> eligibleAt;         // per code: its key in `eligible`, or -1
+  std::vector<int32_t> blocker;            // per code: the region-code run that blocks it, or -1
+  std::vector<int32_t> blockedNext, blockedPrev; // per code: the codes blocked by one run
+  std::vector<int32_t> blockedFirst;             // per run: the first code it blocks, or -1
+  std::vector<int32_t> regionAtOrAfter;          // per run: towards the next region-code run left
+  std::vector<double> sum;                       // per code: summed thickness of its runs
+  std::vector<char> sumValid, touched;           // per code
+  std::vector<int32_t> codesPresent, changed;
+  std::set<int32_t> eligible; // the first runs of the eligible codes
+  std::size_t Bytes() const;
+};
+
 struct RunBuffers {
   std::vector<StratumRun> side1;
   std::vector<StratumRun> side2;
@@ -111,6 +130,7 @@ struct RunBuffers {
   std::vector<int32_t> secondRun;
   std::vector<int32_t> codesInOrder; // codes by their first run
   std::vector<int32_t> namedBefore;  // runs carrying the region's own code among the first k
+  LongFusionBuffers longLists;
   std::size_t Bytes() const;
 };
 
@@ -146,6 +166,11 @@ public:
   static constexpr std::size_t kBitsetPairLimit = 1024; // the most the bitsets take
   std::size_t plainPairLimit = kPlainPairLimit;
   std::size_t bitsetPairLimit = kBitsetPairLimit;
+  // Run lists of up to plainRunLimit runs are fused by the plain search (StratumRuns.cpp), which is
+  // quicker to set up; longer ones by FuseLongRunList, which keeps the search up to date as runs
+  // are swallowed.
+  static constexpr std::size_t kPlainRunLimit = 64;
+  std::size_t plainRunLimit = kPlainRunLimit;
 
   PairBuffers pairs;
   BitsetBuffers bitsets;
@@ -229,6 +254,9 @@ void BuildFusedRuns(Correlator& correlator, const _sLinkRegion& region, bool sid
                     std::vector<StratumRun>& runs);
 // Both sides' fused runs into correlator.runs.side1 and side2, and room in `out` for a region each.
 void BuildFusedRunsOfBothSides(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
+// Fuses `runs` (one per stratum, in hole order) exactly as the plain search does.
+void FuseLongRunList(const _sZK& zk, int32_t regionCode, std::size_t codeCount,
+                     LongFusionBuffers& work, std::vector<StratumRun>& runs);
 void CloseUnmatchedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
 void CloseNamedRegion(Correlator& correlator, const _sLinkRegion& region, RegionList& out);
 

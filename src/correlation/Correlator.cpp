@@ -49,9 +49,19 @@ std::size_t SweepBuffers::Bytes() const {
          BytesOf(readmittedAfter) + BytesOf(candidates);
 }
 
+std::size_t LongFusionBuffers::Bytes() const {
+  // A node of the ordered set holds its key and three pointers and a colour.
+  constexpr std::size_t kSetNode = sizeof(int32_t) + 4 * sizeof(void*);
+  return BytesOf(next) + BytesOf(prev) + BytesOf(nextSame) + BytesOf(prevSame) + BytesOf(head) +
+         BytesOf(tail) + BytesOf(count) + BytesOf(eligibleAt) + BytesOf(blocker) +
+         BytesOf(blockedNext) + BytesOf(blockedPrev) + BytesOf(blockedFirst) +
+         BytesOf(regionAtOrAfter) + BytesOf(sum) + BytesOf(sumValid) + BytesOf(touched) +
+         BytesOf(codesPresent) + BytesOf(changed) + eligible.size() * kSetNode;
+}
+
 std::size_t RunBuffers::Bytes() const {
   return BytesOf(side1) + BytesOf(side2) + BytesOf(firstRun) + BytesOf(secondRun) +
-         BytesOf(codesInOrder) + BytesOf(namedBefore);
+         BytesOf(codesInOrder) + BytesOf(namedBefore) + longLists.Bytes();
 }
 
 std::size_t WalkBuffers::Bytes() const {

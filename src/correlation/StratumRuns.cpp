@@ -128,6 +128,11 @@ void BuildFusedRuns(Correlator& correlator, const _sLinkRegion& region, bool sid
   for (int32_t i = begin; i < end; ++i) {
     runs.push_back({i, i + 1, ids[Index(i)], false});
   }
+  if (runs.size() > correlator.plainRunLimit) {
+    FuseLongRunList(list.zk, list.regionCode, Index(codes.Count()), correlator.runs.longLists,
+                    runs);
+    return;
+  }
   int32_t code = -1;
   while (FindRepeatedDc(list, correlator.runs, Index(codes.Count()), code)) {
     MergeDcRun(runs, code);

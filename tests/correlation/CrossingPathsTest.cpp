@@ -1,7 +1,9 @@
-// The forms of the crossing rule: as it reads (CrossingRule.cpp), on bitsets (CrossingBitsets.cpp)
-// and as the sweep of long logs (CrossingSweep.cpp). Each region takes one of them by the number of
-// its pairs; here every region takes each in turn, on seeded boreholes rich in repeated codes and
-// tied keys, and the trees of the faster forms must equal those of the rule to the bit.
+// The faster forms of two rules beside the plain ones. The crossing rule: as it reads
+// (CrossingRule.cpp), on bitsets (CrossingBitsets.cpp) and as the sweep of long logs
+// (CrossingSweep.cpp); the fusing of repeated codes: the plain search (StratumRuns.cpp) and the
+// long lists (LongRunFusion.cpp). Each region takes one form by its size; here every region takes
+// each in turn, on seeded boreholes rich in repeated codes and tied keys, and the trees of the
+// faster forms must equal those of the plain forms to the bit.
 #include "CorrelationTestSupport.h"
 #include "correlation/Correlation.h"
 #include "support/RandomBoreholes.h"
@@ -11,7 +13,7 @@
 
 namespace {
 
-TEST(CrossingPaths, BitsetsAndSweepDecideAsThePlainRuleOnEveryRegion) {
+TEST(CrossingPaths, FasterFormsDecideAsThePlainRulesOnEveryRegion) {
   constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
   xkl::Correlator plain;
   plain.plainPairLimit = kAll;
@@ -21,6 +23,9 @@ TEST(CrossingPaths, BitsetsAndSweepDecideAsThePlainRuleOnEveryRegion) {
   xkl::Correlator sweep;
   sweep.plainPairLimit = 0;
   sweep.bitsetPairLimit = 0;
+  xkl::Correlator longRuns; // every run list fused as a long one
+  longRuns.plainRunLimit = 0;
+  plain.plainRunLimit = kAll;
   for (uint64_t seed = 9100000; seed < 9100400; ++seed) {
     std::mt19937_64 rng(seed);
     DataType::_sZK a;
@@ -42,11 +47,14 @@ TEST(CrossingPaths, BitsetsAndSweepDecideAsThePlainRuleOnEveryRegion) {
     DataType::_sLinkRegion byRule;
     DataType::_sLinkRegion byBitsets;
     DataType::_sLinkRegion bySweep;
+    DataType::_sLinkRegion byLongRuns;
     plain.Correlate(a, b, byRule);
     bitsets.Correlate(a, b, byBitsets);
     sweep.Correlate(a, b, bySweep);
+    longRuns.Correlate(a, b, byLongRuns);
     ASSERT_TRUE(xkltest::SameTree(byBitsets, byRule)) << "bitsets, seed " << seed;
     ASSERT_TRUE(xkltest::SameTree(bySweep, byRule)) << "sweep, seed " << seed;
+    ASSERT_TRUE(xkltest::SameTree(byLongRuns, byRule)) << "long run lists, seed " << seed;
   }
 }
 

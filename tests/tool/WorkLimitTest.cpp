@@ -6,6 +6,7 @@
 #include "Errors.h"
 #include "PairCorrelation.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <new>
@@ -71,6 +72,32 @@ TEST(WorkLimitTest, RefusesNeighboursBeyondTheLimitOnly) {
   // Only neighbours are correlated: two long logs with a short hole between them pass.
   EXPECT_EQ(Refusal({beyond, ThinLayers({L"CLAY"}, 3), beyond}), "");
   EXPECT_EQ(Refusal({beyond}), "");
+}
+
+// A sequence that repeats upwards as it came down: `depth` codes, then the same codes back up.
+xklink::HoleRecord Palindrome(int depth, std::size_t line) {
+  std::vector<std::wstring> codes;
+  for (int k = 0; k < 2 * depth; ++k) {
+    codes.push_back(L"C" + std::to_wstring(std::min(k, 2 * depth - 1 - k)));
+  }
+  return ThinLayers(codes, 2 * depth, line);
+}
+
+TEST(WorkLimitTest, RefusesAHoleWhoseEnvelopesNestBeyondTheLimit) {
+  // Each stratum counts the envelopes (first to last stratum of a repeated code) that hold it.
+  EXPECT_EQ(xklink::EnvelopeWork(ThinLayers({L"A", L"B"}, 4)), 3u + 3u);
+  EXPECT_EQ(xklink::EnvelopeWork(ThinLayers({L"A", L"B", L"C"}, 3)), 0u);
+  EXPECT_EQ(xklink::EnvelopeWork(xklink::HoleRecord{}), 0u);
+  // A palindrome of d codes nests d deep in its middle: d(d+1) in all. 7,070 codes are just
+  // within 50,000,000, 7,071 just beyond; the refusal names the hole where the file gives it.
+  const auto within = Palindrome(7070, 2);
+  const auto beyond = Palindrome(7071, 4);
+  ASSERT_EQ(xklink::EnvelopeWork(within), 7070u * 7071u);
+  EXPECT_EQ(Refusal({within, within}), "");
+  const std::string message = Refusal({within, beyond});
+  EXPECT_EQ(message.rfind("site.json:4: field name: BH4: too large to correlate", 0), 0u)
+      << message;
+  EXPECT_NE(message.find(std::to_string(7071u * 7072u)), std::string::npos) << message;
 }
 
 TEST(WorkLimitTest, PairsOutOfMemoryBesideOthersAreTriedAgainAlone) {
