@@ -1,5 +1,4 @@
 // The output records: a region of the correlation tree and a section line.
-#include "records/CompareDouble.h"
 #include "records/MoveAssign.h"
 
 #include <XKLinkDc/XKLinkDc.h>
@@ -10,11 +9,11 @@ namespace DataType {
 
 namespace {
 
-// Copies every member but the children.
-void CopyFields(_sLinkRegion& to, const _sLinkRegion& from) {
+// Every member but the children, copied from a region or moved from one about to go.
+template <class From> void AssignFields(_sLinkRegion& to, From&& from) {
   to.nType = from.nType;
   to.bNamed = from.bNamed;
-  to.strName = from.strName;
+  to.strName = std::forward<From>(from).strName;
   to.nBegin1 = from.nBegin1;
   to.nEnd1 = from.nEnd1;
   to.nBegin2 = from.nBegin2;
@@ -33,7 +32,7 @@ _sLinkRegion::_sLinkRegion()
 // Logs of thousands of strata with nested repetitions nest regions thousands deep; copying and
 // destroying a tree therefore walk it with a work list instead of recursing on the call stack.
 _sLinkRegion::_sLinkRegion(const _sLinkRegion& src) : _sLinkRegion() {
-  CopyFields(*this, src);
+  AssignFields(*this, src);
   if (src.vecChild.empty()) {
     return; // most regions are leaves: no work list
   }
@@ -43,7 +42,7 @@ _sLinkRegion::_sLinkRegion(const _sLinkRegion& src) : _sLinkRegion() {
     pending.pop_back();
     to->vecChild.resize(from->vecChild.size());
     for (std::size_t i = 0; i < from->vecChild.size(); ++i) {
-      CopyFields(to->vecChild[i], from->vecChild[i]);
+      AssignFields(to->vecChild[i], from->vecChild[i]);
       pending.emplace_back(&from->vecChild[i], &to->vecChild[i]);
     }
   }
@@ -99,17 +98,7 @@ _sLinkRegion& _sLinkRegion::operator=(const _sLinkRegion& src) {
 
 _sLinkRegion& _sLinkRegion::operator=(_sLinkRegion&& src) noexcept {
   if (this != &src) {
-    nType = src.nType;
-    bNamed = src.bNamed;
-    strName = std::move(src.strName);
-    nBegin1 = src.nBegin1;
-    nEnd1 = src.nEnd1;
-    nBegin2 = src.nBegin2;
-    nEnd2 = src.nEnd2;
-    ptTop[0] = src.ptTop[0];
-    ptTop[1] = src.ptTop[1];
-    ptBot[0] = src.ptBot[0];
-    ptBot[1] = src.ptBot[1];
+    AssignFields(*this, std::move(src));
     // The old children are released through a destructor, which walks them without recursion.
     _sLinkRegion old;
     old.vecChild.swap(vecChild);
@@ -132,11 +121,7 @@ _sLinkLine& _sLinkLine::operator=(_sLinkLine&& src) noexcept {
 // Ends are compared as they stand, borehole 1's end with borehole 1's end: a line and its reverse
 // are different lines.
 bool _sLinkLine::IsSame(const _sLinkLine& other) const {
-  return xkl::CompareDouble(pt1.x, other.pt1.x) == 0 &&
-         xkl::CompareDouble(pt1.y, other.pt1.y) == 0 &&
-         xkl::CompareDouble(pt1.z, other.pt1.z) == 0 &&
-         xkl::CompareDouble(pt2.x, other.pt2.x) == 0 &&
-         xkl::CompareDouble(pt2.y, other.pt2.y) == 0 && xkl::CompareDouble(pt2.z, other.pt2.z) == 0;
+  return pt1 == other.pt1 && pt2 == other.pt2; // the points' tolerant equality
 }
 
 } // namespace DataType

@@ -21,9 +21,7 @@ CXk3DPoint::CXk3DPoint(const CXk3DPoint& p) = default;
 CXk3DPoint::~CXk3DPoint() = default;
 
 void CXk3DPoint::Set(float fx, float fy, float fz) {
-  x = fx;
-  y = fy;
-  z = fz;
+  Set(double(fx), double(fy), double(fz));
 }
 
 void CXk3DPoint::Set(double dx, double dy, double dz) {
@@ -61,23 +59,19 @@ CXk3DPoint CXk3DPoint::operator-(const CXk3DPoint& p) const {
 }
 
 CXk3DPoint CXk3DPoint::operator+=(const CXk3DPoint& p) {
-  x += p.x;
-  y += p.y;
-  z += p.z;
-  return *this;
+  return *this = *this + p;
 }
 
 CXk3DPoint CXk3DPoint::operator-=(const CXk3DPoint& p) {
-  x -= p.x;
-  y -= p.y;
-  z -= p.z;
-  return *this;
+  return *this = *this - p;
 }
 
 CXk3DPoint CXk3DPoint::operator*(const double& s) const {
   return {x * s, y * s, z * s};
 }
 
+// Member by member: a factor that is one of the point's own coordinates (p *= p.x) scales the later
+// coordinates by its new value, as the host's code always has.
 CXk3DPoint CXk3DPoint::operator*=(const double& s) {
   x *= s;
   y *= s;
@@ -91,11 +85,7 @@ CXk3DPoint CXk3DPoint::operator/(const double& d) const {
 }
 
 CXk3DPoint CXk3DPoint::operator/=(const double& d) {
-  const double g = GuardedDivisor(d);
-  x /= g;
-  y /= g;
-  z /= g;
-  return *this;
+  return *this = *this / d;
 }
 
 CXk3DPoint CXk3DPoint::operator-() {
@@ -110,10 +100,7 @@ int CXk3DPoint::operator==(const CXk3DPoint& p) const {
 }
 
 int CXk3DPoint::operator!=(const CXk3DPoint& p) const {
-  return xkl::CompareDouble(x, p.x) != 0 || xkl::CompareDouble(y, p.y) != 0 ||
-                 xkl::CompareDouble(z, p.z) != 0
-             ? 1
-             : 0;
+  return *this == p ? 0 : 1;
 }
 
 double CXk3DPoint::Dist2(const CXk3DPoint& p) const {
