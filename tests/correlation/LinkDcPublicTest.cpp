@@ -1,5 +1,5 @@
-// A root that already holds regions, from this call's holes or an earlier call's: where the
-// differential tests, which always start from a root without children, do not go.
+// A root that already holds regions from an earlier call: where the differential tests, which start
+// from a root without children, do not go.
 #include "CorrelationTestSupport.h"
 
 #include <XKLinkDc/XKLinkDc.h>
@@ -15,25 +15,7 @@ using Lines = std::vector<DataType::_sLinkLine>;
 const auto kABC = MakeBorehole(0.0, 0.0, 100.0, {{L"A", 95.0}, {L"B", 90.0}, {L"C", 80.0}});
 const auto kAC = MakeBorehole(60.0, 0.0, 102.0, {{L"A", 96.0}, {L"C", 85.0}});
 
-TEST(LinkDcTest, RegionsAlreadyInTheRootStayFirstAndAreVisited) {
-  DataType::_sLinkRegion root;
-  // A, B on hole 1, touching hole 2 above C.
-  root.vecChild = {MakeRegion(kABC, kAC, 0, 2, 1, 1, L"pre", false, 2)};
-  LinkDc(kABC, kAC, root);
-  // The gap pass reads the whole child list, so the earlier region stands as the first
-  // sub-region: a top gap down to its top on hole 2 (A of hole 2 pinching out), an empty gap
-  // between it and A, then B between A and C.
-  ASSERT_EQ(root.vecChild.size(), 5u);
-  const auto& c = root.vecChild;
-  EXPECT_EQ(c[0].strName + c[1].strName + c[2].strName + c[3].strName + c[4].strName, L"preACAB");
-  EXPECT_RANGES(c[3], 0, 0, 0, 1);
-  EXPECT_RANGES(c[4], 1, 2, 1, 1);
-  EXPECT_TRUE(SameTree(c[0], With(MakeRegion(kABC, kAC, 0, 2, 1, 1, L"pre", false, 2),
-                                  {MakeRegion(kABC, kAC, 0, 1, 1, 1, L"A", false, 2),
-                                   MakeRegion(kABC, kAC, 1, 2, 1, 1, L"B", false, 2)})));
-}
-
-// Issue 18, item 6: a root reused from a call with longer holes still holds children whose ranges
+// A root reused from a call with longer holes still holds children whose ranges
 // run past the strata of the new holes. They are left as they are, not read outside the strata
 // (the sanitizers watch the reads); children that fit are worked on as usual.
 TEST(LinkDcTest, LeftOverChildrenBeyondTheStrataAreLeftAsTheyAre) {

@@ -51,8 +51,6 @@ TEST(ReadBoreholesTest, ReadsEachFormatWithTheFileNameInPlaces) {
   EXPECT_EQ(Summary(set), (Lines{"A @0,0 top 10: S 10..8@2 S 8..5@3", "B @9,0 top 10: S 10..6@4"}));
   EXPECT_EQ(set.source, json.string());
   EXPECT_EQ(set.holes[1].where.file, json.string());
-  EXPECT_EQ(Summary(ReadBoreholes(dir.Write("s.ags", kAgs), Format::Ags)),
-            Lines{"A @0,0 top 10: S 10..8@7"});
   // The format given wins over the extension.
   EXPECT_EQ(Summary(ReadBoreholes(dir.Write("s.txt", kCsv), Format::Csv)),
             Lines{"A @0,0 top 10: S 10..8@2"});

@@ -101,16 +101,6 @@ TEST(M621Test, ReadsEveryRowAndReportsTheTwoOverlapsAndTheSharedPositions) {
   EXPECT_EQ(CheckSectionSpacing(SelectHoles(set, {"DS03", "DS04", "DS04A"}).holes).size(), 1U);
 }
 
-TEST(M621Test, MergingRepeatsLeavesAMedianOfThreeStrata) {
-  const auto set = ReadReal(kM621, true);
-  std::vector<std::size_t> counts;
-  for (const auto& hole : set.holes) {
-    counts.push_back(hole.strata.size());
-  }
-  std::nth_element(counts.begin(), counts.begin() + 15, counts.end());
-  EXPECT_EQ(counts[15], 3U);
-}
-
 // DLR Woolwich: AGS4, only legend codes, rows not in depth order, river holes below datum.
 TEST(DlrWoolwichTest, ReadsLegendCodesSortsTheRowsAndWarnsOfBh106Only) {
   const auto set = ReadReal("dlr-woolwich/DLR_Woolwich_Extension.ags");

@@ -80,39 +80,7 @@ TEST_F(ValidationErrorsTest, ABadHoleIsLeftOutUnlessNamedOrStrict) {
   Expect(nan, {{{"--holes", "BH1,BH2"}, {nan + ":3: field to: not a finite number: nan"}, true}});
 }
 
-TEST_F(ValidationErrorsTest, DuplicateUnknownAndTooFewNames) {
-  const std::string file =
-      Holes("dup.json", {Hole("BH1", "0"), Hole("BH2", "50"), Hole("BH1", "80", 91)});
-  // Which BH1 is meant cannot be told: both are left out, and one hole is too few.
-  const std::string duplicate =
-      file + ":4: field name: duplicate hole name 'BH1' (first at line 2)";
-  Expect(file, {{{}, {"hole 'BH1' left out", "the file has 3 but only 1 can be used"}, true},
-                {{"--holes", "BH1,BH2"}, {duplicate}, true}});
-  // The messages of names are tested with the selection; here, that the file is not blamed.
-  Expect(kOverview,
-         {{{"--holes", "BH1"}, {"at least two holes; 1 was named"}, true, {"file has"}}});
-  Expect(Holes("one.json", {Hole("BH1", "0")}), {{{}, {"at least two", "the file has 1"}, true}});
-  Expect(dir.Write("none.json", R"({"boreholes": []})"), {{{}, {"the file has 0"}, true}},
-         "section");
-}
-
-TEST_F(ValidationErrorsTest, HolesWithoutAGroundLevel) {
-  // BH3's LOCA_GL is empty: beside holes that have one, it is left out.
-  const std::string some = dir.Write("some.ags", R"("GROUP","LOCA"
-"HEADING","LOCA_ID","LOCA_NATE","LOCA_NATN","LOCA_GL"
-"DATA","BH1","1000.00","2000.00","10.00"
-"DATA","BH2","1050.00","2000.00","11.00"
-"DATA","BH3","1080.00","2000.00",""
-
-"GROUP","GEOL"
-"HEADING","LOCA_ID","GEOL_TOP","GEOL_BASE","GEOL_GEOL"
-"DATA","BH1","0.00","2.00","MG"
-"DATA","BH2","0.00","3.00","MG"
-"DATA","BH3","0.00","4.00","MG"
-)");
-  Expect(some,
-         {{{}, {some + ":5: warning: field LOCA_GL: hole 'BH3' left out: has no ground level"}},
-          {{"--holes", "BH1,BH3"}, {some + ":5: field LOCA_GL: hole 'BH3' has no ground"}, true}});
+TEST_F(ValidationErrorsTest, NoHoleWithAGroundLevelGivesASectionInDepth) {
   // Shottlegate: no hole has a ground level; the section is drawn in depth below ground.
   const std::string shottlegate = (kRealData / "shottlegate" / "Shottlegate_Project.ags").string();
   Expect(shottlegate,
