@@ -3,7 +3,6 @@
 
 #include "SectionFixtures.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <limits>
 #include <optional>
@@ -75,32 +74,6 @@ TEST(CollectRegionShapes, LensOfTheSecondHoleKeepsItsCornersAndFollowsItsHost) {
   EXPECT_GT(lens.polygon[1].s, 25.0);
   EXPECT_LT(lens.polygon[1].s, sEast);
   EXPECT_DOUBLE_EQ(lens.polygon[1].z, 5.0);
-}
-
-TEST(CollectShapes, OnePerLeafAndLineWithinItsPairDroppingWhatDoesNotMap) {
-  Section section = testing::LondonSection();
-  const std::vector<RegionShape> shapes = CollectRegionShapes(section);
-  EXPECT_EQ(shapes.size(), testing::LeafCount(section));
-  EXPECT_EQ(CollectLineShapes(section).size(), testing::LineCount(section));
-  for (const RegionShape& shape : shapes) {
-    const SectionPair& pair = section.pairs[shape.pair];
-    for (const SectionPoint& p : shape.polygon) {
-      EXPECT_GE(p.s, section.holes[pair.from].chainage - 1e-9);
-      EXPECT_LE(p.s, section.holes[pair.to].chainage + 1e-9);
-    }
-  }
-  section.pairs[1].lines[0].pt2.z = kInf;
-  EXPECT_EQ(CollectLineShapes(section).size(), testing::LineCount(section) - 1);
-
-  Section lens = testing::LensOfSecondHole();
-  lens.pairs[0].root.vecChild[0].vecChild[0].ptTop[1].x = kNaN; // the lens tip
-  ASSERT_EQ(CollectRegionShapes(lens).size(), 1u);
-  for (const std::size_t to : {0u, 7u}) { // a hole paired with itself, no such hole
-    SCOPED_TRACE(to);
-    lens.pairs[0].to = to;
-    EXPECT_TRUE(CollectRegionShapes(lens).empty());
-    EXPECT_TRUE(CollectLineShapes(lens).empty());
-  }
 }
 
 } // namespace

@@ -41,6 +41,12 @@ TEST(CsvReaderTest, ReadsOneRowPerStratumWithDepthsBelowTheCollar) {
                              "BH1,100,200,10.68,0,9.3,SAND\nBH2,150,200,48,0,4,SAND\n");
   ASSERT_NE(10.68 - 9.3, 1.38);
   EXPECT_EQ(decimals.holes[0].strata[0].dc.dBotGC, 1.38);
+  // Quoted fields keep commas, doubled quotes and line breaks; a record keeps its first line's
+  // number, and blank lines are skipped but counted.
+  const auto quoted =
+      Read("HOLEID,X,Y,Z,FROM,TO,CODE\n\nBH1,0,0,5,0,1,\"Firm, \"\"grey\"\"\nCLAY\"\r\n"
+           "BH1,0,0,5,1,2, B \n");
+  EXPECT_EQ(Summary(quoted), Lines{"BH1 @0,0 top 5: Firm, \"grey\"\nCLAY 5..4@3 B 4..3@5"});
 }
 
 TEST(CsvReaderTest, HeaderAliasesIgnoreCaseSpacesAndUnits) {
@@ -128,6 +134,11 @@ TEST(CsvReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
        "holes.csv:6: the row has 8 fields but the header has 7"},
       {"BH,X,Y,Z,FROM,TO,CODE\nBH1,0,0,5,abc,1,A\n",
        "holes.csv:2: field FROM: not a number: 'abc'"},
+      {"BH,X,Y,Z,FROM,TO,CODE\nBH1,0,0,5,0,1,ab\"c\n",
+       "holes.csv:2: bad quoting at column 17: a quote inside an unquoted field or text after a "
+       "closing quote (write a quote inside a quoted field as \"\")"},
+      {"BH,X,Y,Z,FROM,TO,CODE\nBH1,0,0,5,0,1,\"A\nBH1,0,0,5,1,2,B\n",
+       "holes.csv:2: a quoted field opened in this record is never closed"},
       {"HOLEID,X,Y,Z,FROM,TO,CODE\nH1,0,0,10,0,3,Diab\xE1sio\n",
        "holes.csv:2: not valid UTF-8 at column 19; save the file as UTF-8"},
   };

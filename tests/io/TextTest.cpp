@@ -1,9 +1,8 @@
 // Text as files bring it: UTF-8 and UTF-16 with or without a byte order mark, files that cannot be
-// read, and the quoting of CSV and AGS fields as spreadsheets and producers write it.
+// read, and AGS fields quoted as producers write them (CSV quoting is the CSV reader's tests').
 #include "Text.h"
 
 #include "AgsTokenizer.h"
-#include "CsvRecords.h"
 #include "IoTestSupport.h"
 #include "SourceFile.h"
 
@@ -56,45 +55,6 @@ TEST(SourceTextTest, FilesLoseTheirByteOrderMarkAndMissingOnesAreNamed) {
             missing.string() + ": cannot read the file: it does not exist");
   EXPECT_EQ(ParseErrorOf([&] { ReadSourceFile(dir.Path()); }),
             dir.Path().string() + ": cannot read the file: it is a directory");
-}
-
-// "line: field|field|..." for each record.
-std::vector<std::string> Records(std::string_view text) {
-  std::vector<std::string> out;
-  for (const auto& record : ReadCsvRecords(text, "t.csv")) {
-    std::string line = std::to_string(record.line) + ":";
-    for (std::size_t i = 0; i < record.fields.size(); ++i) {
-      line += (i == 0 ? "" : "|") + record.fields[i];
-    }
-    out.push_back(line);
-  }
-  return out;
-}
-
-TEST(CsvRecordsTest, QuotedFieldsLineEndingsBlankLinesAndSpaces) {
-  EXPECT_EQ(Records("HOLE,DESC\nBH1,\"Firm, grey CLAY\"\nBH2,\"a \"\"soft\"\" spot\"\nBH3,\"\"\n"),
-            (std::vector<std::string>{"1:HOLE|DESC", "2:BH1|Firm, grey CLAY",
-                                      "3:BH2|a \"soft\" spot", "4:BH3|"}));
-  const std::vector<std::string> expected = {"1:A|B", "2:1|2", "3:3|x,y"};
-  for (const std::string text : {"A,B\n1,2\n3,\"x,y\"\n", "A,B\r\n1,2\r\n3,\"x,y\"\r\n",
-                                 "A,B\r1,2\r3,\"x,y\"\r", "A,B\n1,2\n3,\"x,y\""}) {
-    EXPECT_EQ(Records(text), expected) << text;
-  }
-  EXPECT_EQ(Records("a,,c,\n,,\n"), (std::vector<std::string>{"1:a||c|", "2:||"}));
-  EXPECT_EQ(Records("H\n\nBH1\n   \nBH2\n"), (std::vector<std::string>{"1:H", "3:BH1", "5:BH2"}));
-  EXPECT_EQ(Records(" BH1 , 2.5 ,\" padded \"\n"),
-            (std::vector<std::string>{"1:BH1|2.5| padded "}));
-  EXPECT_TRUE(Records("").empty());
-  EXPECT_TRUE(Records("\n\n").empty());
-}
-
-TEST(CsvRecordsTest, BadQuotingIsAParseErrorWithTheLineAndColumn) {
-  const std::string advice = ": a quote inside an unquoted field or text after a closing quote "
-                             "(write a quote inside a quoted field as \"\")";
-  EXPECT_EQ(testing::ParseErrorOf([] { Records("A,B\nBH1,ab\"c\n"); }),
-            "t.csv:2: bad quoting at column 7" + advice);
-  EXPECT_EQ(testing::ParseErrorOf([] { Records("A,B\n\"x\"y,1\n"); }),
-            "t.csv:2: bad quoting at column 4" + advice);
 }
 
 // "line: field|field|...," for each record (a final ',' when the line ends with a comma), then the

@@ -40,18 +40,6 @@ std::string Refusal(const std::vector<xklink::HoleRecord>& holes) {
   return {};
 }
 
-TEST(WorkLimitTest, PairsAreCountedCodeByCode) {
-  const auto a = ThinLayers({L"CLAY", L"SAND", L"SILT"}, 9); // three of each
-  const auto b = ThinLayers({L"CLAY", L"SAND"}, 5);          // three CLAY, two SAND
-  EXPECT_EQ(xklink::EqualCodePairs(a, b), 3u * 3u + 3u * 2u);
-  EXPECT_EQ(xklink::EqualCodePairs(b, a), 15u);
-  EXPECT_EQ(xklink::EqualCodePairs(a, ThinLayers({L"PEAT"}, 4)), 0u);
-  EXPECT_EQ(xklink::EqualCodePairs(a, xklink::HoleRecord{}), 0u);
-  // Codes are compared exactly: case and spaces make another code.
-  EXPECT_EQ(xklink::EqualCodePairs(ThinLayers({L"Clay"}, 2), ThinLayers({L"CLAY", L"CLAY "}, 2)),
-            0u);
-}
-
 TEST(WorkLimitTest, RefusesNeighboursBeyondTheLimitOnly) {
   // One code: 4,472 squared is just within 20,000,000, 4,473 squared just beyond.
   const auto within = ThinLayers({L"CLAY"}, 4472);
