@@ -18,6 +18,10 @@ using DataType::_sLinkRegion;
 using DataType::_sZK;
 using DataType::_sZKDC;
 
+namespace {
+
+// Three-way comparison with the tolerance 1e-5, absolute, and also relative when both values are
+// below 1 in magnitude: 0 equal, 1 a greater, -1 a less or not comparable (NaN).
 int CompareDouble(double a, double b) {
   if (a == b) {
     return 0;
@@ -37,8 +41,6 @@ int CompareDouble(double a, double b) {
   }
   return a > b ? 1 : -1;
 }
-
-namespace {
 
 // The two boreholes of one correlation and their plan distance. One instance per call: the
 // reference keeps no state between calls.
@@ -818,17 +820,18 @@ void CollectLeafRegions(const _sLinkRegion& r, std::vector<const _sLinkRegion*>&
   }
 }
 
+// Geometric equality of two lines within tolerance, end by end.
+bool IsSameLine(const _sLinkLine& a, const _sLinkLine& b) {
+  return CompareDouble(a.pt1.x, b.pt1.x) == 0 && CompareDouble(a.pt1.y, b.pt1.y) == 0 &&
+         CompareDouble(a.pt1.z, b.pt1.z) == 0 && CompareDouble(a.pt2.x, b.pt2.x) == 0 &&
+         CompareDouble(a.pt2.y, b.pt2.y) == 0 && CompareDouble(a.pt2.z, b.pt2.z) == 0;
+}
+
 } // namespace
 
 void ReferenceLinkDc(const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root) {
   State s;
   Correlate(s, zk1, zk2, root);
-}
-
-void ReferenceAppendLeafLines(const _sZK& zk1, const _sZK& zk2, std::vector<_sLinkLine>& lines) {
-  _sLinkRegion root;
-  ReferenceLinkDc(zk1, zk2, root);
-  ReferenceAppendLeafLines(root, lines);
 }
 
 void ReferenceAppendLeafLines(const _sLinkRegion& root, std::vector<_sLinkLine>& lines) {
@@ -849,18 +852,12 @@ void ReferenceAppendLeafLines(const _sLinkRegion& root, std::vector<_sLinkLine>&
   }
 }
 
-bool ReferenceIsSameLine(const _sLinkLine& a, const _sLinkLine& b) {
-  return CompareDouble(a.pt1.x, b.pt1.x) == 0 && CompareDouble(a.pt1.y, b.pt1.y) == 0 &&
-         CompareDouble(a.pt1.z, b.pt1.z) == 0 && CompareDouble(a.pt2.x, b.pt2.x) == 0 &&
-         CompareDouble(a.pt2.y, b.pt2.y) == 0 && CompareDouble(a.pt2.z, b.pt2.z) == 0;
-}
-
 void ReferenceMergeSameLines(std::vector<_sLinkLine>& lines) {
   for (std::ptrdiff_t i = static_cast<std::ptrdiff_t>(lines.size()) - 1; i >= 0; --i) {
     const auto ui = static_cast<std::size_t>(i);
     std::ptrdiff_t found = -1;
     for (std::ptrdiff_t j = i - 1; j >= 0; --j) {
-      if (ReferenceIsSameLine(lines[ui], lines[static_cast<std::size_t>(j)])) {
+      if (IsSameLine(lines[ui], lines[static_cast<std::size_t>(j)])) {
         found = j;
         break;
       }
@@ -925,7 +922,9 @@ void ReferenceSortLines(std::vector<_sLinkLine>& lines) {
 }
 
 void ReferenceLinkDcLine(const _sZK& zk1, const _sZK& zk2, std::vector<_sLinkLine>& lines) {
-  ReferenceAppendLeafLines(zk1, zk2, lines);
+  _sLinkRegion root;
+  ReferenceLinkDc(zk1, zk2, root);
+  ReferenceAppendLeafLines(root, lines);
   ReferenceMergeSameLines(lines);
   ReferenceSortLines(lines);
   if (!lines.empty()) {

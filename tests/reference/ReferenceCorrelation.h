@@ -13,11 +13,6 @@
 
 namespace reference {
 
-// Three-way comparison of two elevations or coordinates with the tolerance 1e-5 (absolute, and in
-// addition relative when both values are below 1 in magnitude). 0 equal, 1 a greater, -1 a less or
-// not comparable (NaN).
-int CompareDouble(double a, double b);
-
 // Correlates two boreholes into the region tree below root (same contract as LinkDc). A borehole
 // without strata is a hole of zero depth: every boundary on it lies at its collar elevation.
 void ReferenceLinkDc(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
@@ -30,14 +25,9 @@ void ReferenceLinkDcLine(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
 
 // The steps of ReferenceLinkDcLine, for tests that need the list before the highest line goes.
 
-// Appends the raw top and bottom line of every leaf region (pre-order) to lines.
-void ReferenceAppendLeafLines(const DataType::_sZK& zk1, const DataType::_sZK& zk2,
-                              std::vector<DataType::_sLinkLine>& lines);
-// The same for a region tree that has already been built.
+// Appends the raw top and bottom line of every leaf region of a built tree (pre-order) to lines.
 void ReferenceAppendLeafLines(const DataType::_sLinkRegion& root,
                               std::vector<DataType::_sLinkLine>& lines);
-// Geometric equality of two lines within tolerance, end by end.
-bool ReferenceIsSameLine(const DataType::_sLinkLine& a, const DataType::_sLinkLine& b);
 // Merges coinciding lines (a bottom boundary takes over a top boundary and both names), then clears
 // every bBottom.
 void ReferenceMergeSameLines(std::vector<DataType::_sLinkLine>& lines);
