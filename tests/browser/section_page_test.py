@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The page of `xklink section FILE -o NAME.html` in headless Chromium, per real file: pointing at
-a region names its unit, clicking a hole opens its log with its codes and an SPT result, the water
-layer switches off. A screenshot of each page is kept beside it.
+a region names its unit, clicking a hole opens its log with its codes and an SPT result, the view
+zooms, the water layer switches off. A screenshot of each page is kept beside it.
 Usage: section_page_test.py XKLINK REAL_DATA_DIR ARTEFACT_DIR CHROMIUM CHROMEDRIVER"""
 import pathlib
 import re
@@ -51,9 +51,9 @@ try:
         info = driver.find_element("id", "info").text
         assert info.startswith("Unit: ") and "Code: " in info, info
 
-        index = driver.execute_script("return JSON.parse(document.getElementById('section-data')"
-                                      ".textContent).holes.findIndex((h) => h.name === arguments[0])",
-                                      hole)
+        index = driver.execute_script(
+            "return JSON.parse(document.getElementById('section-data').textContent)"
+            ".holes.findIndex((h) => h.name === arguments[0])", hole)
         target = driver.find_element(CSS, f'rect.hole-target[data-hole="{index}"]')
         webdriver.ActionChains(driver).move_to_element(target).click().perform()
         WebDriverWait(driver, 5).until(lambda d: log.is_displayed())
@@ -62,6 +62,10 @@ try:
         assert all(code in strata for code in codes), (codes, strata)
         assert spt in [td.text for td in log.find_elements(CSS, "table.spt td")], log.text
 
+        svg = driver.find_element(CSS, "#sheet svg")
+        view = svg.get_dom_attribute("viewBox")
+        driver.find_element("id", "zoom-in").click()
+        assert svg.get_dom_attribute("viewBox") != view, "the view does not zoom"
         water = driver.find_element(CSS, 'input[data-layer="water"]')
         assert any(g.is_displayed() for g in driver.find_elements(CSS, "g.water")), "no water"
         water.click()

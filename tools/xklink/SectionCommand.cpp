@@ -199,6 +199,7 @@ void AddSectionCommand(CLI::App& app) {
                       "Pairs correlated at once (default 0: one per core)");
   command->footer("Examples:\n"
                   "  xklink section examples/nle-battersea/21-7-10-NLE.ags -o section.svg\n"
+                  "  xklink section site.ags -o section.html   (to explore in a browser)\n"
                   "  xklink section site.ags --holes BH01,BH02,BH03 --exaggeration 10 "
                   "--legend legend.csv -o a-a.dxf\n"
                   "  xklink section site.ags --line 427700,431150,430450,431800 --buffer 50 "
