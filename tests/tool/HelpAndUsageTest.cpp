@@ -36,8 +36,8 @@ TEST(HelpAndUsageTest, UnknownCommandsOptionsAndValuesExitWithTwo) {
       {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "1e20"},
       {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "0.001"},
       {"section", kOverview, "-o", (dir / "x.svg").string(), "--exaggeration", "nan"},
-      // A drawing is named .svg or .dxf, and there is none on standard output.
-      {"section", kOverview, "-o", (dir / "section.png").string()},
+      // A drawing is named by its format, and there is none on standard output.
+      {"section", kOverview, "-o", (dir / "section.eps").string()},
       {"section", kOverview, "-o", (dir / "svg").string()},
       {"section", kOverview},
       {"check", (dir / "missing.ags").string()}};

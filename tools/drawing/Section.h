@@ -29,6 +29,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace xklink {
@@ -92,6 +93,46 @@ struct DrawOptions {
   double sheetWidth = 1600.0;
 };
 
+// Printing on sheets of paper at a scale.
+enum class Paper { A4, A3, A1 }; // landscape
+
+struct PrintOptions {
+  Paper paper = Paper::A3;
+  double scale = 0.0;  // horizontal scale 1:scale; 0 chooses a standard one (see SheetPrint.h)
+  double vscale = 0.0; // vertical scale 1:vscale; 0: from DrawOptions::exaggeration, else chosen
+  std::string project; // the title block's project (the file's name, or the title)
+  std::string date;    // the title block's date, as written
+};
+
+// The section split onto sheets along its chainage: sheet k shows [chainages[k].first,
+// chainages[k].second], and each sheet starts where the one before ends.
+struct Printout {
+  Paper paper = Paper::A3;
+  double widthMm = 0.0;
+  double heightMm = 0.0;
+  double scale = 0.0;
+  double vscale = 0.0;
+  bool scaleChosen = false;
+  bool vscaleChosen = false;
+  std::vector<std::pair<double, double>> chainages;
+  std::vector<std::string> svgs; // one standalone SVG per sheet, sized in millimetres
+};
+
+// The section laid out on sheets (see SheetPrint.h). Throws DrawingError when the scales asked
+// for cannot be kept: the section would not fit the height of the sheet, or would need more
+// sheets than any printer should be given.
+Printout RenderPrintout(const Section& section, const Legend& legend, const DrawOptions& options,
+                        const PrintOptions& print);
+
+// "A4", "A3" or "A1".
+std::string PaperName(Paper paper);
+
+// SVG documents rendered by librsvg and cairo: a PDF of one page per document, each page the
+// document's own size; a PNG of one document at `dpi` pixels per inch. Throws DrawingError when
+// a document cannot be read or rendered.
+std::string SvgToPdf(const std::vector<std::string>& svgs);
+std::string SvgToPng(const std::string& svg, double dpi);
+
 // A legend file that cannot be read or holds a bad line. what() is "<file>:<line>: <reason>"
 // (line 0 when the file cannot be opened).
 class LegendError : public std::runtime_error {
@@ -128,6 +169,10 @@ std::string RenderDxf(const Section& section, const Legend& legend, const DrawOp
 // box on the sheet ([left, top, right, bottom], sheet units, y downwards).
 std::string RenderSectionJson(const Section& section, const Legend& legend,
                               const DrawOptions& options);
+
+// The same with the sheets of a printout: their paper, scales and chainages.
+std::string RenderSectionJson(const Section& section, const Legend& legend,
+                              const DrawOptions& options, const Printout& print);
 
 // RenderDxf written to `path`; throws DrawingError naming the file when it cannot be written.
 void WriteDxf(const Section& section, const Legend& legend, const DrawOptions& options,

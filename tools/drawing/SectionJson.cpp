@@ -74,10 +74,7 @@ json SptJson(const SectionHole& hole) {
   return spt;
 }
 
-} // namespace
-
-std::string RenderSectionJson(const Section& section, const Legend& legend,
-                              const DrawOptions& options) {
+json SectionJson(const Section& section, const Legend& legend, const DrawOptions& options) {
   const drawing::Sheet sheet = drawing::ComposeSheet(section, legend, options);
   json out;
   out["title"] = sheet.title;
@@ -143,6 +140,27 @@ std::string RenderSectionJson(const Section& section, const Legend& legend,
   }
   out["labels"] = labels;
   out["sheet"] = {{"width", sheet.width}, {"height", sheet.height}};
+  return out;
+}
+
+} // namespace
+
+std::string RenderSectionJson(const Section& section, const Legend& legend,
+                              const DrawOptions& options) {
+  return SectionJson(section, legend, options).dump(1) + "\n";
+}
+
+std::string RenderSectionJson(const Section& section, const Legend& legend,
+                              const DrawOptions& options, const Printout& print) {
+  json out = SectionJson(section, legend, options);
+  json sheets = json::array();
+  for (std::size_t k = 0; k < print.chainages.size(); ++k) {
+    sheets.push_back(
+        {{"number", k + 1}, {"from", print.chainages[k].first}, {"to", print.chainages[k].second}});
+  }
+  out["print"] = {{"paper", PaperName(print.paper)}, {"width_mm", print.widthMm},
+                  {"height_mm", print.heightMm},     {"scale", print.scale},
+                  {"vertical_scale", print.vscale},  {"sheets", sheets}};
   return out.dump(1) + "\n";
 }
 

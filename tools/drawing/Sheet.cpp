@@ -3,13 +3,9 @@
 // placed clear of everything already on the sheet.
 #include "Sheet.h"
 
-#include "HoleHeaders.h"
 #include "InSituLayer.h"
-#include "RegionLabels.h"
-#include "SectionGeometry.h"
-#include "SheetCanvas.h"
-#include "SheetFrame.h"
 #include "SheetLegend.h"
+#include "SheetPlot.h"
 #include "TextMetrics.h"
 
 #include <algorithm>
@@ -30,36 +26,9 @@ constexpr double kAxisSize = 11.0;
 constexpr double kAxisTitleSize = 12.0;
 constexpr double kColumnSize = 10.0;
 
-constexpr double kColumnHalfWidth = 6.0; // the borehole columns are 12 units wide
 constexpr double kTitleTop = 14.0;
-constexpr double kMarginLeft = 86.0;    // elevation labels and the rotated axis title
-constexpr double kAxisLabelRoom = 54.0; // elevation labels right of the plot
 constexpr double kMarginRight = 20.0;
 constexpr double kLegendGap = 18.0;
-
-// The parts of the section that the sheet shows, in the section plane.
-struct View {
-  std::vector<RegionShape> regions;
-  std::vector<LineShape> lines;
-  Extent extent;
-  std::vector<std::size_t> holes; // drawable holes by chainage
-};
-
-View MakeView(const Section& section) {
-  View view;
-  view.regions = CollectRegionShapes(section);
-  view.lines = CollectLineShapes(section);
-  view.extent = SectionExtent(section, view.regions, view.lines);
-  for (std::size_t i = 0; i < section.holes.size(); ++i) {
-    if (IsDrawableHole(section.holes[i])) {
-      view.holes.push_back(i);
-    }
-  }
-  std::stable_sort(view.holes.begin(), view.holes.end(), [&section](std::size_t a, std::size_t b) {
-    return section.holes[a].chainage < section.holes[b].chainage;
-  });
-  return view;
-}
 
 std::string ExaggerationText(double e) {
   return "\xC3\x97" + FormatFixed(e, std::min(DecimalsFor(e), 3)); // U+00D7 multiplication sign
@@ -163,10 +132,10 @@ void DrawSectionLines(Canvas& canvas, const View& view, const Frame& frame) {
   }
 }
 
-void DrawGround(Canvas& canvas, const Section& section, const View& view, const Frame& frame) {
+void DrawGround(Canvas& canvas, const View& view, const Frame& frame) {
   std::vector<Point> ground;
-  for (const std::size_t i : view.holes) {
-    ground.push_back({frame.X(section.holes[i].chainage), frame.Y(section.holes[i].zk.dTopGC)});
+  for (const SectionPoint& p : view.ground) {
+    ground.push_back({frame.X(p.s), frame.Y(p.z)});
   }
   if (ground.size() >= 2) {
     canvas.Add(Path{Layer::Ground, {}, ground, false, std::nullopt, kBlack, 1.8});
@@ -269,7 +238,162 @@ void DrawAxes(Canvas& canvas, const Section& section, const Frame& frame, const 
   }
 }
 
+// Clipping to a strip of chainage, for the printed sheets.
+
+// The polygon cut to the half-plane where sign * (s - bound) >= 0 (Sutherland-Hodgman).
+std::vector<SectionPoint> CutPolygon(const std::vector<SectionPoint>& polygon, double bound,
+                                     double sign) {
+  std::vector<SectionPoint> out;
+  for (std::size_t i = 0; i < polygon.size(); ++i) {
+    const SectionPoint& a = polygon[i];
+    const SectionPoint& b = polygon[(i + 1) % polygon.size()];
+    const double da = sign * (a.s - bound);
+    const double db = sign * (b.s - bound);
+    if (da >= 0.0) {
+      out.push_back(a);
+    }
+    if ((da < 0.0) != (db < 0.0)) {
+      const double t = da / (da - db);
+      out.push_back({bound, a.z + t * (b.z - a.z)});
+    }
+  }
+  return out;
+}
+
+// The part of the segment a-b within [from, to]; false when none is.
+bool CutSegment(SectionPoint& a, SectionPoint& b, double from, double to) {
+  if (std::max(a.s, b.s) < from || std::min(a.s, b.s) > to) {
+    return false;
+  }
+  const auto at = [&](double s) {
+    const double t = b.s == a.s ? 0.0 : (s - a.s) / (b.s - a.s);
+    return SectionPoint{s, a.z + t * (b.z - a.z)};
+  };
+  SectionPoint p = a;
+  SectionPoint q = b;
+  if (p.s < from) {
+    p = at(from);
+  } else if (p.s > to) {
+    p = at(to);
+  }
+  if (q.s < from) {
+    q = at(from);
+  } else if (q.s > to) {
+    q = at(to);
+  }
+  a = p;
+  b = q;
+  return true;
+}
+
 } // namespace
+
+View MakeView(const Section& section) {
+  View view;
+  view.regions = CollectRegionShapes(section);
+  view.lines = CollectLineShapes(section);
+  view.extent = SectionExtent(section, view.regions, view.lines);
+  for (std::size_t i = 0; i < section.holes.size(); ++i) {
+    if (IsDrawableHole(section.holes[i])) {
+      view.holes.push_back(i);
+    }
+  }
+  std::stable_sort(view.holes.begin(), view.holes.end(), [&section](std::size_t a, std::size_t b) {
+    return section.holes[a].chainage < section.holes[b].chainage;
+  });
+  for (const std::size_t i : view.holes) {
+    view.ground.push_back({section.holes[i].chainage, section.holes[i].zk.dTopGC});
+  }
+  return view;
+}
+
+View ClipView(const Section& section, const View& view, double from, double to) {
+  View out;
+  for (const RegionShape& region : view.regions) {
+    RegionShape cut = region;
+    cut.polygon = CutPolygon(CutPolygon(region.polygon, from, 1.0), to, -1.0);
+    if (cut.polygon.size() >= 3) {
+      for (const SectionPoint& p : cut.polygon) {
+        out.extent.Add(p.s, p.z);
+      }
+      out.regions.push_back(std::move(cut));
+    }
+  }
+  for (const LineShape& line : view.lines) {
+    LineShape cut = line;
+    if (CutSegment(cut.from, cut.to, from, to)) {
+      out.extent.Add(cut.from.s, cut.from.z);
+      out.extent.Add(cut.to.s, cut.to.z);
+      out.lines.push_back(std::move(cut));
+    }
+  }
+  for (std::size_t i = 0; i + 1 < view.ground.size(); ++i) {
+    SectionPoint a = view.ground[i];
+    SectionPoint b = view.ground[i + 1];
+    if (CutSegment(a, b, from, to)) {
+      for (const SectionPoint& p : {a, b}) {
+        if (out.ground.empty() || out.ground.back().s != p.s || out.ground.back().z != p.z) {
+          out.ground.push_back(p);
+          out.extent.Add(p.s, p.z);
+        }
+      }
+    }
+  }
+  for (const std::size_t i : view.holes) {
+    const SectionHole& hole = section.holes[i];
+    if (hole.chainage >= from && hole.chainage <= to) {
+      out.holes.push_back(i);
+      out.extent.Add(hole.chainage, hole.zk.dTopGC);
+      for (const DataType::_sZKDC& stratum : hole.zk.vecDC) {
+        if (std::isfinite(stratum.dBotGC)) {
+          out.extent.Add(hole.chainage, stratum.dBotGC);
+        }
+      }
+    }
+  }
+  return out;
+}
+
+std::vector<Text> HeadingTexts(const Canvas& canvas, const std::string& title,
+                               const Section& section, const View& view, double exaggeration,
+                               const std::string& unit, double left, double width, double& y) {
+  std::vector<Text> texts;
+  for (const std::string& line : Wrap(title, width, kTitleSize, true)) {
+    y += 24.0;
+    texts.push_back(
+        canvas.MakeText(Layer::Title, {left, y}, line, kTitleSize, Anchor::Start, true));
+  }
+  y += 4.0;
+  for (const std::string& statement :
+       {Subtitle(section, view, exaggeration, unit), ChainageStatement(section)}) {
+    for (const std::string& line : Wrap(statement, width, kSubtitleSize, false)) {
+      y += 18.0;
+      texts.push_back(canvas.MakeText(Layer::Title, {left, y}, line, kSubtitleSize, Anchor::Start,
+                                      false, kMuted));
+    }
+  }
+  return texts;
+}
+
+std::vector<FilledRegion> DrawPlot(Canvas& canvas, const Section& section, const View& view,
+                                   const Frame& frame, const HeaderBand& band, const Legend& legend,
+                                   const std::string& unit, bool depthBelowGround) {
+  DrawGrid(canvas, frame);
+  std::vector<FilledRegion> filled = DrawRegions(canvas, view, frame, legend);
+  DrawSectionLines(canvas, view, frame);
+  DrawGround(canvas, view, frame);
+  DrawColumns(canvas, section, view, frame, legend);
+  DrawHoleHeaders(canvas, section, band, frame);
+  DrawAxes(canvas, section, frame, unit, depthBelowGround);
+  return filled;
+}
+
+void DrawPlotLabels(Canvas& canvas, const Section& section, const View& view, const Frame& frame,
+                    const std::vector<FilledRegion>& filled) {
+  DrawColumnCodes(canvas, section, view.holes, frame);
+  DrawInSitu(canvas, section, view.holes, frame);
+  DrawRegionLabels(canvas, filled);
+}
 
 double TextWidth(std::string_view utf8, double size, bool bold) {
   return static_cast<double>(DisplayLength(utf8)) * size * (bold ? 0.68 : 0.62);
@@ -306,27 +430,14 @@ Sheet ComposeSheet(const Section& section, const Legend& legend, const DrawOptio
   sheet.width = legendLeft + legendWidth + kMarginRight;
 
   // The title block: the title and the statements, wrapped to the sheet.
-  const double textWidth = sheet.width - kMarginLeft - kMarginRight;
   double y = kTitleTop;
-  std::vector<Text> titleTexts;
-  for (const std::string& line : Wrap(sheet.title, textWidth, kTitleSize, true)) {
-    y += 24.0;
-    titleTexts.push_back(
-        canvas.MakeText(Layer::Title, {kMarginLeft, y}, line, kTitleSize, Anchor::Start, true));
-  }
-  y += 4.0;
-  for (const std::string& statement :
-       {Subtitle(section, view, frame.exaggeration, unit), ChainageStatement(section)}) {
-    for (const std::string& line : Wrap(statement, textWidth, kSubtitleSize, false)) {
-      y += 18.0;
-      titleTexts.push_back(canvas.MakeText(Layer::Title, {kMarginLeft, y}, line, kSubtitleSize,
-                                           Anchor::Start, false, kMuted));
-    }
-  }
+  std::vector<Text> titleTexts =
+      HeadingTexts(canvas, sheet.title, section, view, frame.exaggeration, unit, kMarginLeft,
+                   sheet.width - kMarginLeft - kMarginRight, y);
   const HeaderBand band = PlaceHoleHeaders(
       section, view.holes, frame, 8.0, frame.Right() + kAxisLabelRoom, !options.depthBelowGround);
   frame.top = y + 14.0 + band.height;
-  sheet.height = frame.Bottom() + 56.0;
+  sheet.height = frame.Bottom() + kBelowPlot;
 
   sheet.exaggeration = frame.exaggeration;
   sheet.originX = frame.left;
@@ -344,13 +455,8 @@ Sheet ComposeSheet(const Section& section, const Legend& legend, const DrawOptio
                   kWhite,
                   std::nullopt,
                   0.0});
-  DrawGrid(canvas, frame);
-  const std::vector<FilledRegion> filled = DrawRegions(canvas, view, frame, legend);
-  DrawSectionLines(canvas, view, frame);
-  DrawGround(canvas, section, view, frame);
-  DrawColumns(canvas, section, view, frame, legend);
-  DrawHoleHeaders(canvas, section, band, frame);
-  DrawAxes(canvas, section, frame, unit, options.depthBelowGround);
+  const std::vector<FilledRegion> filled =
+      DrawPlot(canvas, section, view, frame, band, legend, unit, options.depthBelowGround);
   const bool inferred = std::any_of(view.regions.begin(), view.regions.end(),
                                     [](const RegionShape& r) { return r.beneath; });
   const double legendBottom = DrawInSituKey(
@@ -360,9 +466,7 @@ Sheet ComposeSheet(const Section& section, const Legend& legend, const DrawOptio
   for (Text& t : titleTexts) {
     canvas.AddText(std::move(t));
   }
-  DrawColumnCodes(canvas, section, view.holes, frame);
-  DrawInSitu(canvas, section, view.holes, frame);
-  DrawRegionLabels(canvas, filled);
+  DrawPlotLabels(canvas, section, view, frame, filled);
   return sheet;
 }
 

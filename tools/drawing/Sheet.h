@@ -76,6 +76,9 @@ using Item = std::variant<Path, Text>;
 struct Sheet {
   double width = 0.0;
   double height = 0.0;
+  // A printed sheet's paper size: the SVG states it, so that the sheet prints at its scale.
+  double widthMm = 0.0;
+  double heightMm = 0.0;
   double exaggeration = 1.0;
   // The sheet point of distance `sLeft` and elevation `zTop`, and the sheet units per unit of
   // distance: x = originX + (s - sLeft) * scale, y = originY + (zTop - z) * scale * exaggeration.

@@ -2,6 +2,7 @@
 // every viewer, browser and word processor shows the same figure.
 #include "Section.h"
 #include "Sheet.h"
+#include "SheetPrint.h"
 #include "TextMetrics.h"
 
 #include <cmath>
@@ -131,15 +132,17 @@ void WriteText(std::string& out, const Text& text) {
          "</text>\n";
 }
 
-} // namespace
-
-std::string RenderSvg(const Section& section, const Legend& legend, const DrawOptions& options) {
-  const drawing::Sheet sheet = drawing::ComposeSheet(section, legend, options);
+// A printed sheet states its paper size, so that it prints at its scale; the one-picture sheet is
+// sized in pixels.
+std::string SheetSvg(const drawing::Sheet& sheet) {
+  const bool paper = sheet.widthMm > 0.0 && sheet.heightMm > 0.0;
+  const std::string width = paper ? Num(sheet.widthMm) + "mm" : Num(sheet.width);
+  const std::string height = paper ? Num(sheet.heightMm) + "mm" : Num(sheet.height);
   std::string out;
   out.reserve(64 * 1024);
   out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-  out += "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" width=\"" + Num(sheet.width) +
-         "\" height=\"" + Num(sheet.height) + "\" viewBox=\"0 0 " + Num(sheet.width) + " " +
+  out += "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" width=\"" + width +
+         "\" height=\"" + height + "\" viewBox=\"0 0 " + Num(sheet.width) + " " +
          Num(sheet.height) + "\" font-family=\"DejaVu Sans, Helvetica, Arial, sans-serif\">\n";
   out += "<title>" + drawing::EscapeXml(sheet.title) + "</title>\n";
   out += "<desc>" + drawing::EscapeXml(sheet.description) + "</desc>\n";
@@ -168,6 +171,21 @@ std::string RenderSvg(const Section& section, const Legend& legend, const DrawOp
   }
   out += "</svg>\n";
   return out;
+}
+
+} // namespace
+
+std::string RenderSvg(const Section& section, const Legend& legend, const DrawOptions& options) {
+  return SheetSvg(drawing::ComposeSheet(section, legend, options));
+}
+
+Printout RenderPrintout(const Section& section, const Legend& legend, const DrawOptions& options,
+                        const PrintOptions& print) {
+  drawing::PrintedSheets printed = drawing::ComposePrintedSheets(section, legend, options, print);
+  for (const drawing::Sheet& sheet : printed.sheets) {
+    printed.layout.svgs.push_back(SheetSvg(sheet));
+  }
+  return std::move(printed.layout);
 }
 
 } // namespace xklink
