@@ -100,11 +100,6 @@ void BindErrors(py::module_& module) {
       Raise(Located(g_error, e.what(), e.Where()));
     } catch (const ParseError& e) { // the tool's one family: usage, input, output
       Raise(Located(g_error, e.what(), e.Where()));
-    } catch (const LegendError& e) {
-      Raise(
-          Located(g_error, e.what(), py::str(e.file().string()), LineOrNone(e.line()), py::none()));
-    } catch (const DrawingError& e) {
-      Raise(Located(g_error, e.what(), py::none(), py::none(), py::none()));
     }
   });
 }

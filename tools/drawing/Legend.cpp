@@ -16,17 +16,6 @@ namespace xklink {
 
 namespace {
 
-std::string Describe(const std::filesystem::path& file, std::size_t line,
-                     const std::string& reason) {
-  std::ostringstream out;
-  out << file.string();
-  if (line > 0) {
-    out << ':' << line;
-  }
-  out << ": " << reason;
-  return out.str();
-}
-
 std::string_view Trim(std::string_view text) {
   while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
     text.remove_prefix(1);
@@ -95,10 +84,6 @@ std::optional<std::string> SplitFields(std::string_view line, std::vector<std::s
 }
 
 } // namespace
-
-LegendError::LegendError(const std::filesystem::path& file, std::size_t line,
-                         const std::string& reason)
-    : std::runtime_error(Describe(file, line, reason)), m_file(file), m_line(line) {}
 
 Legend ReadLegendCsv(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);

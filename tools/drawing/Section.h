@@ -20,6 +20,7 @@
 #pragma once
 
 #include "Alignment.h"
+#include "Diagnostics.h"
 #include "InSitu.h"
 
 #include <XKLinkDc/XKLinkDc.h>
@@ -134,22 +135,19 @@ std::string SvgToPdf(const std::vector<std::string>& svgs);
 std::string SvgToPng(const std::string& svg, double dpi);
 
 // A legend file that cannot be read or holds a bad line. what() is "<file>:<line>: <reason>"
-// (line 0 when the file cannot be opened).
-class LegendError : public std::runtime_error {
+// ("<file>: <reason>" when the file cannot be opened).
+class LegendError : public ParseError {
 public:
-  LegendError(const std::filesystem::path& file, std::size_t line, const std::string& reason);
-  const std::filesystem::path& file() const { return m_file; }
-  std::size_t line() const { return m_line; }
-
-private:
-  std::filesystem::path m_file;
-  std::size_t m_line;
+  LegendError(const std::filesystem::path& file, std::size_t line, const std::string& reason)
+      : ParseError({file.string(), line, {}}, reason) {}
+  std::filesystem::path file() const { return Where().file; }
+  std::size_t line() const { return Where().line; }
 };
 
 // A drawing that cannot be written to its file.
-class DrawingError : public std::runtime_error {
+class DrawingError : public ParseError {
 public:
-  using std::runtime_error::runtime_error;
+  explicit DrawingError(const std::string& message) : ParseError({}, message) {}
 };
 
 // The sheet as a standalone SVG 1.1 document (UTF-8).

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "BoreholeSet.h"
+#include "Diagnostics.h"
 
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,9 +12,9 @@ namespace xklink {
 
 // A selection that names no usable section: an unknown hole, a hole named twice, an empty name,
 // fewer than two holes.
-class SelectionError : public std::runtime_error {
+class SelectionError : public ParseError {
 public:
-  using std::runtime_error::runtime_error;
+  explicit SelectionError(const std::string& message) : ParseError({}, message) {}
 };
 
 // "BH01, BH02,BH03" -> {"BH01", "BH02", "BH03"}; spaces around names are dropped. An empty name

@@ -50,6 +50,8 @@ int ResolveGrid(const InputOptions& input, const std::string& crs) {
       return code;
     } catch (const std::invalid_argument& e) {
       throw UsageError(std::string("--crs: ") + e.what());
+    } catch (const std::runtime_error& e) { // PROJ missing or unable to start
+      throw OutputError(e.what());
     }
   }
   const auto grid = GridNamedInFile(input);
@@ -79,6 +81,8 @@ void LinesToWgs84(std::vector<PairLines>& pairs, int epsg) {
     }
   } catch (const std::logic_error& e) { // an unknown code, a point outside the projection
     throw UsageError(std::string("--crs: ") + e.what());
+  } catch (const std::runtime_error& e) { // PROJ missing or unable to start
+    throw OutputError(e.what());
   }
 }
 

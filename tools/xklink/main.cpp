@@ -60,15 +60,6 @@ int main(int argc, char** argv) {
   } catch (const xklink::ParseError& e) { // the tool's own errors, tools/xklink/Errors.h
     std::cerr << "xklink: " << e.what() << '\n';
     return 2;
-  } catch (const xklink::SelectionError& e) { // bad usage, not yet a ParseError
-    std::cerr << "xklink: " << e.what() << '\n';
-    return 2;
-  } catch (const xklink::LegendError& e) { // bad input, not yet a ParseError
-    std::cerr << "xklink: " << e.what() << '\n';
-    return 2;
-  } catch (const xklink::DrawingError& e) { // a failed write, not yet a ParseError
-    std::cerr << "xklink: " << e.what() << '\n';
-    return 2;
   } catch (const std::bad_alloc&) {
     // The pairs have been tried one at a time already (PairCorrelation.h).
     std::cerr << "xklink: " << InputFileOf(app)
