@@ -6,7 +6,8 @@ The XKLinkDc library and the xklink tool's readers, checks and drawing, under on
     site = xklink.read("examples/nle-battersea/21-7-10-NLE.ags")
     pair = xklink.correlate(site.holes[0], site.holes[1])
     section = xklink.section(site, title="Battersea")
-    section.write("battersea.svg")     # or .dxf, .csv, .geojson; shown inline in Jupyter
+    section.write("battersea.svg")     # or .pdf, .png, .dxf, .html, .json, .csv, .geojson, .gpkg
+    section                            # shown inline in Jupyter
 
 Problems of the input raise ``xklink.Error`` (with ``file``, ``line`` and ``field``); warnings
 are issued as ``xklink.XklinkWarning``.

@@ -7,12 +7,15 @@ import xklink
 from conftest import NLE, run_tool
 
 HOLES = "BH03,BH01,BH02,BH05"  # not in the file's order, not along the line
+LINE = "529568,177187,531647,177993"  # BH02, BH03 and BH10 lie within 100 m of it
 
 
 # (extension, the tool's command line that writes the same; OUT is the tool's output file)
 FORMATS = [
     (".svg", ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]),
     (".dxf", ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]),
+    (".json", ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]),
+    (".html", ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]),
     (".csv", ["lines", NLE, "--holes", HOLES, "--format", "csv"]),
     (".geojson", ["lines", NLE, "--holes", HOLES, "--format", "geojson", "--crs", "EPSG:27700"]),
 ]
@@ -32,6 +35,23 @@ def test_writes_what_the_tool_writes(tmp_path, section, extension, command):
     assert ours.read_bytes() == theirs.read_bytes()
 
 
+def test_a_section_along_a_line_is_the_tools(tmp_path):
+    ours = xklink.section(xklink.read(NLE), line=LINE, buffer=100, title="B-B'")
+    ours.write(tmp_path / "ours.json")
+    run_tool("section", NLE, "--line", LINE, "--buffer", "100", "--title", "B-B'",
+             "-o", tmp_path / "theirs.json")
+    assert (tmp_path / "ours.json").read_bytes() == (tmp_path / "theirs.json").read_bytes()
+    layout = ours.layout()
+    assert [h["name"] for h in layout["holes"]] == [h.name for h in ours.holes] == [
+        "BH02", "BH03", "BH10"]
+    assert [round(h["chainage"]) for h in layout["holes"]] == [round(h.chainage) for h in ours.holes]
+    # The line as a list of vertices is the same line.
+    vertices = [float(v) for v in LINE.split(",")]
+    as_pairs = xklink.section(xklink.read(NLE), line=list(zip(vertices[::2], vertices[1::2])),
+                              buffer=100)
+    assert [h.chainage for h in as_pairs.holes] == [h.chainage for h in ours.holes]
+
+
 def test_shows_itself_in_jupyter_as_the_svg_it_writes(tmp_path, section):
     section.write(tmp_path / "s.svg")
     assert section._repr_svg_() == (tmp_path / "s.svg").read_text()
@@ -39,7 +59,7 @@ def test_shows_itself_in_jupyter_as_the_svg_it_writes(tmp_path, section):
 
 
 @pytest.mark.parametrize("name, message", [
-    ("s.png", "must be named .svg or .dxf"),
+    ("s.txt", "must be named .svg, .pdf"),
     ("s.geojson", "does not say which grid"),  # AGS 3.1 without HOLE_GREF, and no crs
     ("no-such-directory/s.svg", "no-such-directory"),
 ])
@@ -47,3 +67,14 @@ def test_unwritable_files_are_errors(tmp_path, section, name, message):
     with pytest.raises(xklink.Error, match=message):
         section.write(tmp_path / name)
     assert list(tmp_path.iterdir()) == []
+
+
+@pytest.mark.parametrize("options, message", [
+    ({"line": "1,2,3"}, "line: "),
+    ({"line": [(0, 0), (0, 0)]}, "at least two distinct vertices"),
+    ({"buffer": 10}, "need the line"),
+    ({"line": LINE, "buffer": 1}, "0 hole"),
+])
+def test_bad_lines_are_errors(options, message):
+    with pytest.raises(xklink.Error, match=message):
+        xklink.section(xklink.read(NLE), **options)

@@ -1,16 +1,13 @@
 // xklink section: the drawn cross-section, as SVG, DXF, an interactive page or the laid-out section
 // as JSON.
-#include "Beneath.h"
 #include "Colour.h"
 #include "Commands.h"
 #include "CommonOptions.h"
 #include "Errors.h"
 #include "LineFile.h"
 #include "OutputFile.h"
-#include "PairCorrelation.h"
 #include "Section.h"
-#include "SectionHtml.h"
-#include "SectionLayout.h"
+#include "SectionBuild.h"
 #include "TextMetrics.h"
 
 #include <algorithm>
@@ -27,13 +24,6 @@
 namespace xklink {
 
 namespace {
-
-std::string LowerExtension(const std::string& path) {
-  std::string extension = std::filesystem::path(path).extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return extension;
-}
 
 struct Options {
   InputOptions input;
@@ -171,86 +161,23 @@ std::optional<drawing::Alignment> GivenLine(const Options& options) {
   }
 }
 
-// The holes of the section: those named, or every usable hole of the file (as the hole policy
-// chooses them); with a line and a buffer, of those only the ones within the buffer of the line.
-SectionHoles ChooseSectionHoles(const Options& options,
-                                const std::optional<drawing::Alignment>& given) {
-  SectionHoles holes =
-      LoadSection(options.input, options.holes, DefaultHoles::AlongSection, std::cerr);
-  if (!given || options.buffer < 0.0 || !options.holes.empty()) {
-    return holes;
-  }
-  SectionHoles near;
-  near.depthBelowGround = holes.depthBelowGround;
-  near.codeDescriptions = holes.codeDescriptions;
-  near.inSitu = std::move(holes.inSitu);
-  for (std::size_t i = 0; i < holes.holes.size(); ++i) {
-    const DataType::_sZK& hole = holes.holes[i];
-    if (std::fabs(given->Project({hole.dX, hole.dY}).offset) <= options.buffer) {
-      near.names.push_back(holes.names[i]);
-      near.holes.push_back(hole);
-    }
-  }
-  if (near.holes.size() < 2) {
-    throw UsageError("--buffer: " + std::to_string(near.holes.size()) + " hole(s) of " +
-                     options.input.file + " lie within " + drawing::FormatFixed(options.buffer, 1) +
-                     " m of the section line; a section needs at least two");
-  }
-  return near;
-}
-
+// The section the options ask for: the holes named, or every usable hole of the file (as the hole
+// policy chooses them), with a line and a buffer only those within the buffer of the line.
 Section BuildSection(const Options& options, bool& depthBelowGround,
                      std::map<std::string, std::string>& codeDescriptions) {
   const std::optional<drawing::Alignment> given = GivenLine(options);
   if (options.buffer >= 0.0 && !given) {
     throw UsageError("--buffer: the holes near a line need the line: give --line or --line-file");
   }
-  const SectionHoles holes = ChooseSectionHoles(options, given);
+  SectionHoles holes =
+      LoadSection(options.input, options.holes, DefaultHoles::AlongSection, std::cerr);
+  if (given && options.buffer >= 0.0 && options.holes.empty()) {
+    holes = HolesNearLine(std::move(holes), *given, options.buffer, options.input.file);
+  }
   depthBelowGround = holes.depthBelowGround;
   codeDescriptions = holes.codeDescriptions;
-  const drawing::Alignment line = given ? *given
-                                  : options.holes.empty()
-                                      ? drawing::BestFitLine(PlanPositions(holes.holes))
-                                      : drawing::FenceLine(PlanPositions(holes.holes));
-  Section section;
+  Section section = CorrelateSection(holes, given, !options.holes.empty(), options.jobs);
   section.title = options.title;
-  section.alignment = line;
-  section.holes = PlaceOnLine(line, holes.names, holes.holes);
-  for (SectionHole& hole : section.holes) {
-    if (const auto found = holes.inSitu.find(hole.name); found != holes.inSitu.end()) {
-      hole.inSitu = found->second;
-    }
-  }
-
-  // Consecutive holes, then each pair of deeper holes across shallower ones.
-  std::vector<std::pair<std::size_t, std::size_t>> pairs;
-  for (std::size_t i = 0; i + 1 < section.holes.size(); ++i) {
-    pairs.emplace_back(i, i + 1);
-  }
-  const std::size_t consecutive = pairs.size();
-  for (const drawing::BeneathSpan& span : drawing::SpansBeneathShallowHoles(section.holes)) {
-    pairs.emplace_back(span.from, span.to);
-  }
-  std::vector<DataType::_sZK> zks;
-  for (const SectionHole& hole : section.holes) {
-    zks.push_back(hole.zk);
-  }
-  std::vector<PairResult> results(pairs.size());
-  ForEachPair(pairs.size(), options.jobs,
-              [&](XKLinkDc::CorrelationContext& context, std::size_t i) {
-                results[i] = {};
-                context.LinkDcTreeAndLines(zks[pairs[i].first], zks[pairs[i].second],
-                                           results[i].root, results[i].lines);
-              });
-  for (std::size_t i = 0; i < results.size(); ++i) {
-    SectionPair pair;
-    pair.from = pairs[i].first;
-    pair.to = pairs[i].second;
-    pair.beneath = i >= consecutive;
-    pair.root = std::move(results[i].root);
-    pair.lines = std::move(results[i].lines);
-    section.pairs.push_back(std::move(pair));
-  }
   return section;
 }
 
@@ -332,14 +259,8 @@ void RunSection(Options& options) {
     }
     return;
   }
-  const std::string drawing = extension == ".svg"   ? RenderSvg(section, colours, draw)
-                              : extension == ".dxf" ? RenderDxf(section, colours, draw)
-                              : extension == ".pdf" ? SvgToPdf({RenderSvg(section, colours, draw)})
-                              : extension == ".png"
-                                  ? SvgToPng(RenderSvg(section, colours, draw), options.dpi)
-                              : extension == ".html" ? RenderSectionHtml(section, colours, draw)
-                                                     : RenderSectionJson(section, colours, draw);
-  WriteFileAtomically(options.output, drawing);
+  WriteFileAtomically(options.output,
+                      RenderDrawing(section, colours, draw, extension, options.dpi));
 }
 
 } // namespace
