@@ -196,6 +196,19 @@ std::optional<int> Count(const std::optional<double>& value) {
   return static_cast<int>(std::lround(*value));
 }
 
+// "50/0.275", "50/75": blows over a penetration, written where a number was expected.
+bool IsRefusal(const std::string& text) {
+  const std::size_t slash = text.find('/');
+  const auto digitsOrPoint = [](char c) {
+    return std::isdigit(static_cast<unsigned char>(c)) || c == '.';
+  };
+  return slash != std::string::npos && slash > 0 && slash + 1 < text.size() &&
+         std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(slash),
+                     digitsOrPoint) &&
+         std::all_of(text.begin() + static_cast<std::ptrdiff_t>(slash) + 1, text.end(),
+                     digitsOrPoint);
+}
+
 // The sum of the fields that are given, or nothing when none is.
 std::optional<double> SumOf(const Table& table, std::size_t row,
                             std::initializer_list<const char*> headings) {
@@ -221,8 +234,15 @@ void ReadSpt(const Table& table, InSituData& data) {
     }
     SptResult test;
     test.depth = *depth;
-    test.n = Count(table.Number(row, table.Find({"ISPT_NVAL"})));
     test.report = table.Text(row, table.Find({"ISPT_REP"}));
+    // ISPT_NVAL holds the N value, but logs write a refusal there too, as the blows over the
+    // penetration ("50/0.275"): that is the test's result as written, not a faulty number.
+    const std::string nval = table.Find({"ISPT_NVAL"});
+    if (const std::string text = table.Text(row, nval); IsRefusal(text)) {
+      test.report = test.report.empty() ? text : test.report;
+    } else {
+      test.n = Count(table.Number(row, nval));
+    }
     if (!test.n) {
       // The main drive: ISPT_MAIN, else its four increments.
       const auto main = table.Number(row, table.Find({"ISPT_MAIN"}));
