@@ -1,5 +1,5 @@
 // Reading and validating AGS files, in MB/s of input: the largest real file of the tests, and a
-// generated AGS4 file of about 100 MB (written to a temporary file, never committed) whose holes
+// generated AGS4 file of about 200 MB (written to a temporary file, never committed) whose holes
 // look like a real site's, to show that reading stays linear and its memory a small multiple of
 // the size. The counters give the throughput (bytes_per_second) and, for the generated file, the
 // peak resident memory of the process against the file's size.
@@ -102,7 +102,7 @@ void ReadAndValidate_RealFile(benchmark::State& state) {
 
 // The generated file, removed when the benchmarks end.
 struct GeneratedFile {
-  fs::path path = WriteGeneratedAgs(100'000'000);
+  fs::path path = WriteGeneratedAgs(200'000'000);
   ~GeneratedFile() {
     std::error_code ignored;
     fs::remove(path, ignored);
@@ -114,12 +114,12 @@ const fs::path& Generated() {
   return file.path;
 }
 
-// A generated file of 100 MB, 30,000 holes: linear reading and bounded memory at the scale of a
+// A generated file of 200 MB, 60,000 holes: linear reading and bounded memory at the scale of a
 // whole project. Reading alone first, so that its peak memory is that of reading.
-void Read_Generated100MB(benchmark::State& state) {
+void Read_Generated200MB(benchmark::State& state) {
   Read(state, Generated(), false);
 }
-void ReadAndValidate_Generated100MB(benchmark::State& state) {
+void ReadAndValidate_Generated200MB(benchmark::State& state) {
   Read(state, Generated(), true);
 }
 
@@ -127,5 +127,5 @@ void ReadAndValidate_Generated100MB(benchmark::State& state) {
 
 BENCHMARK(Read_RealFile)->Unit(benchmark::kMillisecond);
 BENCHMARK(ReadAndValidate_RealFile)->Unit(benchmark::kMillisecond);
-BENCHMARK(Read_Generated100MB)->Unit(benchmark::kMillisecond)->Iterations(3);
-BENCHMARK(ReadAndValidate_Generated100MB)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(Read_Generated200MB)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(ReadAndValidate_Generated200MB)->Unit(benchmark::kMillisecond)->Iterations(2);
