@@ -62,7 +62,7 @@ double LegendPanelWidth(const std::vector<LegendRow>& rows) {
 }
 
 double DrawLegendPanel(Canvas& canvas, const std::vector<LegendRow>& rows, double left, double top,
-                       double width, bool inferred) {
+                       double width, bool inferred, int columns) {
   const double textX = left + 48.0;
   double y = top + 14.0;
   std::vector<Item> entries;
@@ -79,17 +79,32 @@ double DrawLegendPanel(Canvas& canvas, const std::vector<LegendRow>& rows, doubl
   };
   text({left + 12.0, y + 10.0}, "Legend", kHeadingSize, true, kInk);
   y += 26.0;
-  for (const LegendRow& row : rows) {
-    entries.emplace_back(Path{Layer::Legend, row.code, Rectangle(left + 12.0, y, 26.0, 15.0), true,
-                              row.colour, kInk, 0.7});
-    text({textX, y + 11.5}, row.codeText, kSize, true, kInk);
+  // Rows run down the first column, then down the next.
+  const std::size_t perColumn = (rows.size() + static_cast<std::size_t>(std::max(columns, 1)) - 1) /
+                                static_cast<std::size_t>(std::max(columns, 1));
+  const double rowsTop = y;
+  double rowsBottom = y;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const LegendRow& row = rows[i];
+    const double shift = perColumn == 0 ? 0.0
+                                        : static_cast<double>(i / perColumn) * (width - 12.0) /
+                                              static_cast<double>(std::max(columns, 1));
+    if (perColumn != 0 && i % perColumn == 0) {
+      y = rowsTop;
+    }
+    entries.emplace_back(Path{Layer::Legend, row.code,
+                              Rectangle(left + 12.0 + shift, y, 26.0, 15.0), true, row.colour, kInk,
+                              0.7});
+    text({textX + shift, y + 11.5}, row.codeText, kSize, true, kInk);
     y += 17.0;
     for (const std::string& label : row.labelLines) {
-      text({textX, y + 10.0}, label, kSize - 1.0, false, kMuted);
+      text({textX + shift, y + 10.0}, label, kSize - 1.0, false, kMuted);
       y += 14.0;
     }
     y += 7.0;
+    rowsBottom = std::max(rowsBottom, y);
   }
+  y = rowsBottom;
   y += 4.0;
   line(y, kBlack, 1.8, false);
   text({textX, y + 4.0}, "Ground surface", kSize, false, kInk);

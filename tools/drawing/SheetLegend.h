@@ -24,8 +24,9 @@ std::vector<LegendRow> LegendRows(const Section& section, const std::vector<std:
 
 double LegendPanelWidth(const std::vector<LegendRow>& rows);
 
-// Draws the panel with its top left at (left, top); returns its bottom.
+// Draws the panel with its top left at (left, top), the rows of codes in `columns` side by side;
+// returns its bottom.
 double DrawLegendPanel(Canvas& canvas, const std::vector<LegendRow>& rows, double left, double top,
-                       double width, bool inferred);
+                       double width, bool inferred, int columns = 1);
 
 } // namespace xklink::drawing

@@ -24,7 +24,8 @@ constexpr double kBorder = 10.0 * kUnitsPerMm; // from the paper's edge to the d
 constexpr double kGap = 12.0;                  // between the panels of the right column
 constexpr double kLegendGap = 18.0;            // between the axis labels and the column
 constexpr double kColumnWidth = 270.0;         // the title block's least width (71 mm)
-constexpr double kKeyPlanHeight = 170.0;
+constexpr double kSmallestKeyPlan = 110.0;
+constexpr double kLegendCodeSize = 11.5; // as SheetLegend.cpp writes the codes
 constexpr double kHeadingTop = 6.0;
 
 struct PaperSize {
@@ -60,13 +61,17 @@ struct Layout {
   double plotLeft = 0.0;
   double plotRoom = 0.0; // the widest the plot may be
   bool descriptions = true;
+  int legendColumns = 1;
 };
 
-// The legend panel's height, measured by drawing it on a scratch sheet.
-double LegendHeight(const std::vector<LegendRow>& rows, bool inferred) {
+// The height of the legend panel and of the key to the marks beside the logs under it, measured
+// by drawing them on a scratch sheet.
+double LegendHeight(const Section& section, const std::vector<std::size_t>& holes,
+                    const std::vector<LegendRow>& rows, bool inferred, double width, int columns) {
   Sheet scratch;
   Canvas canvas(scratch);
-  return DrawLegendPanel(canvas, rows, 0.0, 0.0, kColumnWidth, inferred);
+  return DrawInSituKey(canvas, section, holes, 0.0,
+                       DrawLegendPanel(canvas, rows, 0.0, 0.0, width, inferred, columns), width);
 }
 
 std::vector<LegendRow> WithoutDescriptions(std::vector<LegendRow> rows) {
@@ -77,25 +82,34 @@ std::vector<LegendRow> WithoutDescriptions(std::vector<LegendRow> rows) {
 }
 
 // The stretches of chainage of the sheets at a scale: equal lengths, a whole number of distance
-// ticks each, from a tick before the first hole to past the last.
+// ticks each, starting at a round chainage (a fifth of a tick) so that the section stands in the
+// middle of the sheets.
 std::vector<std::pair<double, double>> Split(const Extent& extent, const Layout& layout,
                                              double scale) {
   const double u = UnitsPerMetre(scale);
   const double tick = NiceStep(90.0 / u);
+  const double fine = NiceStep(tick / 5.0);
   const double length = std::max(1.0, std::floor(layout.plotRoom / u / tick)) * tick;
   const double pad = (kColumnHalfWidth + 14.0) / u;
-  const double start = std::floor((extent.sMin - pad) / tick) * tick;
+  const double first = extent.sMin - pad;
   const double end = extent.sMax + pad;
-  const double count = std::max(1.0, std::ceil((end - start) / length - 1e-9));
-  std::vector<std::pair<double, double>> sheets;
-  if (count > static_cast<double>(kMaxSheets)) {
-    sheets.resize(kMaxSheets + 1); // too many: the caller refuses
-    return sheets;
+  const auto count = [&](double start) {
+    return std::max(1.0, std::ceil((end - start) / length - 1e-9));
+  };
+  double start = std::floor((first - 0.5 * (count(first) * length - (end - first))) / fine) * fine;
+  if (start + count(first) * length < end) {
+    start = std::floor(first / fine) * fine;
   }
-  for (double k = 0.0; k < count; k += 1.0) {
-    sheets.emplace_back(start + k * length, start + (k + 1.0) * length);
+  const double sheets = count(start);
+  std::vector<std::pair<double, double>> out;
+  if (sheets > static_cast<double>(kMaxSheets)) {
+    out.resize(kMaxSheets + 1); // too many: the caller refuses
+    return out;
   }
-  return sheets;
+  for (double k = 0.0; k < sheets; k += 1.0) {
+    out.emplace_back(start + k * length, start + (k + 1.0) * length);
+  }
+  return out;
 }
 
 // What one sheet shows and the room it leaves for the plot's height.
@@ -172,17 +186,37 @@ PrintedSheets ComposePrintedSheets(const Section& section, const Legend& legend,
   block.vscale = 100.0;
   const double blockHeight = TitleBlockHeight(block, kColumnWidth);
 
-  // The right column: the legend over the key plan over the title block. Descriptions of the
-  // codes are left out when the legend of the whole section would not fit with them.
+  // The right column: the legend over the key plan over the title block. Where the legend of the
+  // whole section would not fit above the smallest key plan, the descriptions of the codes are
+  // left out (the file or the legend file gives them), and then the codes stand in two columns.
   const bool inferred = std::any_of(whole.regions.begin(), whole.regions.end(),
                                     [](const RegionShape& r) { return r.beneath; });
   const std::vector<LegendRow> allRows = LegendRows(section, whole.holes, whole.regions, legend);
   const double legendRoom =
-      layout.inBottom - layout.inTop - blockHeight - kKeyPlanHeight - 2.0 * kGap;
-  layout.descriptions = LegendHeight(allRows, inferred) <= legendRoom;
+      layout.inBottom - layout.inTop - blockHeight - kSmallestKeyPlan - 2.0 * kGap;
+  double widestCode = 0.0;
+  for (const LegendRow& row : allRows) {
+    widestCode = std::max(widestCode, TextWidth(row.codeText, kLegendCodeSize, true));
+  }
+  const bool twoFit = 2.0 * (widestCode + 48.0) + 12.0 <= kColumnWidth;
+  for (const auto& [descriptions, columns] :
+       {std::pair{true, 1}, std::pair{false, 1}, std::pair{false, twoFit ? 2 : 1}}) {
+    layout.descriptions = descriptions;
+    layout.legendColumns = columns;
+    const double width =
+        columns == 1
+            ? std::max(kColumnWidth,
+                       LegendPanelWidth(descriptions ? allRows : WithoutDescriptions(allRows)))
+            : kColumnWidth;
+    if (LegendHeight(section, whole.holes, descriptions ? allRows : WithoutDescriptions(allRows),
+                     inferred, width, columns) <= legendRoom) {
+      break;
+    }
+  }
   const double legendWidth =
       LegendPanelWidth(layout.descriptions ? allRows : WithoutDescriptions(allRows));
-  const double columnWidth = std::max(kColumnWidth, legendWidth);
+  const double columnWidth =
+      layout.legendColumns == 1 ? std::max(kColumnWidth, legendWidth) : kColumnWidth;
   layout.columnLeft = layout.inRight - columnWidth;
   layout.plotLeft = layout.inLeft + kMarginLeft;
   layout.plotRoom = layout.columnLeft - kLegendGap - kAxisLabelRoom - layout.plotLeft;
@@ -309,12 +343,13 @@ PrintedSheets ComposePrintedSheets(const Section& section, const Legend& legend,
         canvas, section, plan.view.holes, layout.columnLeft,
         DrawLegendPanel(canvas, rows, layout.columnLeft, layout.inTop, columnWidth,
                         std::any_of(plan.view.regions.begin(), plan.view.regions.end(),
-                                    [](const RegionShape& r) { return r.beneath; })),
+                                    [](const RegionShape& r) { return r.beneath; }),
+                        layout.legendColumns),
         columnWidth);
     // The key plan takes the room the legend leaves, up to the proportions of a plan.
     const double blockTop = layout.inBottom - blockHeight;
     const double planTop =
-        std::min(blockTop - kGap - kKeyPlanHeight,
+        std::min(blockTop - kGap - kSmallestKeyPlan,
                  std::max(legendBottom + kGap, blockTop - kGap - 0.8 * columnWidth));
     DrawKeyPlan(canvas, section, plan.view.holes, plan.from, plan.to,
                 {layout.columnLeft, planTop, layout.inRight, blockTop - kGap});

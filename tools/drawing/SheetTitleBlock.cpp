@@ -219,7 +219,10 @@ void DrawKeyPlan(Canvas& canvas, const Section& section, const std::vector<std::
       whole.push_back(at(p));
     }
     canvas.Add(Path{Layer::Title, {}, whole, false, std::nullopt, kPlanLine, 1.2});
-    // This sheet's stretch: its ends and the vertices between them.
+    // This sheet's stretch of the line: its ends and the vertices between them; the sheet may
+    // reach beyond the ends of the line, the line does not.
+    from = std::clamp(from, 0.0, alignment.Length());
+    to = std::clamp(to, 0.0, alignment.Length());
     std::vector<Point> stretch{at(alignment.At(from))};
     double chainage = 0.0;
     for (std::size_t i = 0; i < line.size(); ++i) {
@@ -231,7 +234,9 @@ void DrawKeyPlan(Canvas& canvas, const Section& section, const std::vector<std::
       }
     }
     stretch.push_back(at(alignment.At(to)));
-    canvas.Add(Path{Layer::Title, {}, stretch, false, std::nullopt, kHighlight, 2.6});
+    if (to > from) {
+      canvas.Add(Path{Layer::Title, {}, stretch, false, std::nullopt, kHighlight, 2.6});
+    }
   }
   for (const SectionHole& hole : section.holes) {
     if (std::isfinite(hole.zk.dX) && std::isfinite(hole.zk.dY)) {
