@@ -87,14 +87,11 @@ TEST(PrintTest, PngIsThePaperAtItsDpiOneFilePerSheet) {
     ASSERT_EQ(run.exitCode, 0) << run.Describe();
     // One sheet is x.png; n sheets, as the tool reports them, are x-1.png ... x-n.png.
     const std::size_t n = std::stoul(run.err.substr(run.err.rfind("xklink: ") + 8));
-    std::vector<std::string> files{"x.png"};
-    if (n > 1) {
-      files.clear();
-      for (std::size_t k = 1; k <= n; ++k) {
-        files.push_back("x-" + std::to_string(k) + ".png");
-      }
-      std::sort(files.begin(), files.end());
+    std::vector<std::string> files;
+    for (std::size_t k = 1; k <= n; ++k) {
+      files.push_back(n == 1 ? "x.png" : "x-" + std::to_string(k) + ".png");
     }
+    std::sort(files.begin(), files.end());
     EXPECT_EQ(dir.Entries(), files);
     for (const std::string& file : dir.Entries()) {
       EXPECT_EQ(PngSize(ReadFile(dir / file)), c.pixels) << file;

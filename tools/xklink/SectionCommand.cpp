@@ -311,13 +311,14 @@ void AddSectionCommand(CLI::App& app) {
       ->check(CLI::IsMember({"A4", "A3", "A1"}, CLI::ignore_case));
   command
       ->add_option("--scale", options->scale,
-                   "Horizontal scale of the sheets, as 1:1000 (default: the largest standard "
-                   "scale that keeps the section on at most 10 sheets)")
+                   "Horizontal scale of the sheets, as 1:1000 (default: the largest standard scale "
+                   "that keeps the section on at most one sheet per six holes and ten in all)")
       ->transform(ScaleValidator());
   command
-      ->add_option("--vscale", options->vscale,
-                   "Vertical scale of the sheets, as 1:100 (instead of --exaggeration; default: "
-                   "the largest standard scale that fits, at most 10 times the horizontal)")
+      ->add_option(
+          "--vscale", options->vscale,
+          "Vertical scale of the sheets, as 1:100 (instead of --exaggeration; default: the "
+          "largest standard scale that fits, at most 20 times the horizontal)")
       ->transform(ScaleValidator());
   command->add_option("--dpi", options->dpi, "Pixels per inch of a PNG, 30 to 600 (default 150)")
       ->check(CLI::Range(30.0, 600.0));
