@@ -106,18 +106,6 @@ TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
   EXPECT_EQ(Read(kSite3).holes[0].strata[1].dc.dBotGC, 1.68);
 }
 
-TEST(AgsReaderTest, MatchesHeadingsByNameNotPosition) {
-  auto text = Edit(
-      kSite, R"("HEADING","LOCA_ID","LOCA_TYPE","LOCA_NATE","LOCA_NATN","LOCA_GL","LOCA_FDEP")",
-      R"("HEADING","LOCA_GL","LOCA_NATN","LOCA_ID","LOCA_TYPE","LOCA_NATE","LOCA_FDEP")");
-  text = Edit(text, R"("DATA","BH1","CP","1000.00","2000.00","10.00","5.00")",
-              R"("DATA","10.00","2000.00","BH1","CP","1000.00","5.00")");
-  text = Edit(text, kBh2Loca, R"("DATA","12.50","2000.00","BH2","CP","1100.00","6.00")");
-  EXPECT_EQ(Summary(Read(text)), kSiteHoles);
-  // AGS 3.1: a heading line split without a trailing comma is joined all the same.
-  EXPECT_EQ(Summary(Read(Edit(kSite3, R"("*HOLE_NATN",)", R"("*HOLE_NATN")"))), kSite3Holes);
-}
-
 TEST(AgsReaderTest, ContRowsAddToTheFieldsOfTheRowAbove) {
   // BH1's second code stands only on its <CONT> line (kSite3Holes: MG from line 17); BH2's legend
   // code is split over two lines, "2" + "01"; "?" marks a heading of the producer's own.
