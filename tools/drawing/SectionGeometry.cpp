@@ -208,9 +208,10 @@ bool IsDrawablePair(const Section& section, const SectionPair& pair) {
          IsDrawableHole(section.holes[pair.to]);
 }
 
-std::vector<RegionShape> CollectRegionShapes(const Section& section) {
+// Calls visit(i, pair, a, b, floor) for each pair that can be drawn, a and b its holes: a pair
+// beneath shallower holes only where the floor of their bases (floor) stands over it.
+template <class Visit> void ForEachDrawnPair(const Section& section, Visit visit) {
   const std::vector<Floor> floors = Floors(section);
-  std::vector<RegionShape> shapes;
   for (std::size_t i = 0; i < section.pairs.size(); ++i) {
     const SectionPair& pair = section.pairs[i];
     if (!IsDrawablePair(section, pair)) {
@@ -219,9 +220,16 @@ std::vector<RegionShape> CollectRegionShapes(const Section& section) {
     const SectionHole& a = section.holes[pair.from];
     const SectionHole& b = section.holes[pair.to];
     const Floor* floor = FloorOver(floors, a.chainage, b.chainage);
-    if (pair.beneath && floor == nullptr) {
-      continue;
+    if (!pair.beneath || floor != nullptr) {
+      visit(i, pair, a, b, floor);
     }
+  }
+}
+
+std::vector<RegionShape> CollectRegionShapes(const Section& section) {
+  std::vector<RegionShape> shapes;
+  ForEachDrawnPair(section, [&](std::size_t i, const SectionPair& pair, const SectionHole& a,
+                                const SectionHole& b, const Floor* floor) {
     ForEachLeafRegion(pair.root, [&](const DataType::_sLinkRegion& region) {
       RegionShape shape;
       for (const CXk3DPoint* corner :
@@ -246,24 +254,14 @@ std::vector<RegionShape> CollectRegionShapes(const Section& section) {
         shapes.push_back(std::move(piece));
       }
     });
-  }
+  });
   return shapes;
 }
 
 std::vector<LineShape> CollectLineShapes(const Section& section) {
-  const std::vector<Floor> floors = Floors(section);
   std::vector<LineShape> shapes;
-  for (std::size_t i = 0; i < section.pairs.size(); ++i) {
-    const SectionPair& pair = section.pairs[i];
-    if (!IsDrawablePair(section, pair)) {
-      continue;
-    }
-    const SectionHole& a = section.holes[pair.from];
-    const SectionHole& b = section.holes[pair.to];
-    const Floor* floor = FloorOver(floors, a.chainage, b.chainage);
-    if (pair.beneath && floor == nullptr) {
-      continue;
-    }
+  ForEachDrawnPair(section, [&](std::size_t i, const SectionPair& pair, const SectionHole& a,
+                                const SectionHole& b, const Floor* floor) {
     for (const DataType::_sLinkLine& line : pair.lines) {
       const std::optional<SectionPoint> from = MapToSection(a, b, line.pt1);
       const std::optional<SectionPoint> to = MapToSection(a, b, line.pt2);
@@ -294,7 +292,7 @@ std::vector<LineShape> CollectLineShapes(const Section& section) {
         }
       }
     }
-  }
+  });
   return shapes;
 }
 
