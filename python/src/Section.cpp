@@ -55,7 +55,7 @@ struct SectionView {
 
   // The grid of the coordinates: `crs` ("EPSG:27700"), else the one the file names.
   int Grid(const std::optional<std::string>& crs) const {
-    return ResolveGrid(input, crs.value_or(""));
+    return ResolveGrid(input, crs.value_or(""), kCrs);
   }
 
   // The text of the file `path` names by its extension, in the tool's format for it.
@@ -68,7 +68,7 @@ struct SectionView {
     }
     if (extension == ".geojson") {
       std::vector<PairLines> lines = Lines();
-      LinesToWgs84(lines, Grid(crs));
+      LinesToWgs84(lines, Grid(crs), kCrs);
       return LinesToGeoJson(lines);
     }
     if (extension == ".gpkg") {
@@ -77,7 +77,7 @@ struct SectionView {
         holes.names.push_back(hole.name);
         holes.holes.push_back(hole.zk);
       }
-      return LinesToGeoPackage(holes, Lines(), Grid(crs));
+      return LinesToGeoPackage(holes, Lines(), Grid(crs), kCrs);
     }
     if (extension != ".svg" && extension != ".dxf" && extension != ".pdf" && extension != ".png" &&
         extension != ".html" && extension != ".json") {
@@ -89,6 +89,7 @@ struct SectionView {
   }
 
   static constexpr double kPngDpi = 150.0; // as the tool's default
+  inline static const GridOption kCrs{"crs", "crs=\"EPSG:27700\""};
 };
 
 // "E1,N1,E2,N2" or a sequence of (easting, northing) pairs.

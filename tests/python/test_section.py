@@ -60,7 +60,7 @@ def test_shows_itself_in_jupyter_as_the_svg_it_writes(tmp_path, section):
 
 @pytest.mark.parametrize("name, message", [
     ("s.txt", "must be named .svg, .pdf"),
-    ("s.geojson", "does not say which grid"),  # AGS 3.1 without HOLE_GREF, and no crs
+    ("s.geojson", "does not say which grid.*with crs, such as crs=\"EPSG:27700\""),  # no HOLE_GREF
     ("no-such-directory/s.svg", "no-such-directory"),
 ])
 def test_unwritable_files_are_errors(tmp_path, section, name, message):

@@ -19,8 +19,10 @@ namespace xklink {
 
 namespace {
 
-const std::string kAskForGrid =
-    "give the grid with --crs, such as --crs EPSG:27700 for British National Grid";
+std::string AskForGrid(const GridOption& option) {
+  return "give the grid with " + option.name + ", such as " + option.example +
+         " for British National Grid";
+}
 
 std::optional<GridReference> GridNamedInFile(const InputOptions& input) {
   const std::filesystem::path path(input.file);
@@ -42,14 +44,14 @@ double Round9(double degrees) {
 
 } // namespace
 
-int ResolveGrid(const InputOptions& input, const std::string& crs) {
+int ResolveGrid(const InputOptions& input, const std::string& crs, const GridOption& option) {
   if (!crs.empty()) {
     try {
       const int code = ParseEpsgCode(crs);
       GridToWgs84{code}; // refuses a code that is no coordinate reference system before any work
       return code;
     } catch (const std::invalid_argument& e) {
-      throw UsageError(std::string("--crs: ") + e.what());
+      throw UsageError(option.name + ": " + e.what());
     } catch (const std::runtime_error& e) { // PROJ missing or unable to start
       throw OutputError(e.what());
     }
@@ -57,17 +59,17 @@ int ResolveGrid(const InputOptions& input, const std::string& crs) {
   const auto grid = GridNamedInFile(input);
   if (!grid) {
     throw UsageError(input.file + ": the file does not say which grid its coordinates are on; " +
-                     kAskForGrid);
+                     AskForGrid(option));
   }
   const auto epsg = EpsgOfGridName(grid->name);
   if (!epsg) {
     throw UsageError(grid->where.ToString() + ": grid '" + grid->name +
-                     "' is not one the tool knows; " + kAskForGrid);
+                     "' is not one the tool knows; " + AskForGrid(option));
   }
   return *epsg;
 }
 
-void LinesToWgs84(std::vector<PairLines>& pairs, int epsg) {
+void LinesToWgs84(std::vector<PairLines>& pairs, int epsg, const GridOption& option) {
   try {
     const GridToWgs84 toWgs84(epsg);
     for (PairLines& pair : pairs) {
@@ -80,7 +82,7 @@ void LinesToWgs84(std::vector<PairLines>& pairs, int epsg) {
       }
     }
   } catch (const std::logic_error& e) { // an unknown code, a point outside the projection
-    throw UsageError(std::string("--crs: ") + e.what());
+    throw UsageError(option.name + ": " + e.what());
   } catch (const std::runtime_error& e) { // PROJ missing or unable to start
     throw OutputError(e.what());
   }
@@ -94,7 +96,7 @@ bool IsGeoPackagePath(const std::string& path) {
 }
 
 std::string LinesToGeoPackage(const SectionHoles& section, const std::vector<PairLines>& pairs,
-                              int epsg) {
+                              int epsg, const GridOption& option) {
   std::vector<GisHole> holes;
   for (std::size_t i = 0; i < section.holes.size(); ++i) {
     const DataType::_sZK& hole = section.holes[i];
@@ -116,7 +118,7 @@ std::string LinesToGeoPackage(const SectionHoles& section, const std::vector<Pai
   try {
     return GeoPackageBytes(epsg, holes, lines);
   } catch (const std::invalid_argument& e) {
-    throw UsageError(std::string("--crs: ") + e.what());
+    throw UsageError(option.name + ": " + e.what());
   } catch (const std::runtime_error& e) {
     throw OutputError(e.what());
   }
