@@ -49,8 +49,9 @@ TEST(InSituSectionTest, WaterAndSptOfTheLogsAtTheirDepthsOnEveryOutput) {
        "BH01,BH02",
        {{"BH01", "water", 4.50, 4.08 - 4.50, "rose_to", 3.11, "20 min"},
         {"BH01", "spt", 2.00, 4.08 - 2.00, "result", "N=17", "N=17"},
-        // A refusal written in ISPT_NVAL as blows over the penetration in metres.
-        {"BH01", "spt", 28.00, 4.08 - 28.00, "result", "50/0.275", "50/0.275"}}},
+        // A refusal written in ISPT_NVAL as blows over the penetration in metres: the blows of the
+        // main drive over their penetration.
+        {"BH01", "spt", 28.00, 4.08 - 28.00, "result", "50 for 275 mm", "50 for 275 mm"}}},
       // The highest and the lowest level monitored, one level as one.
       {dir.Write("monitored.ags", kMonitored),
        "BH1,BH2",

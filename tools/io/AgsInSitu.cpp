@@ -236,11 +236,12 @@ void ReadSpt(const Table& table, InSituData& data) {
     test.depth = *depth;
     test.report = table.Text(row, table.Find({"ISPT_REP"}));
     // ISPT_NVAL holds the N value, but logs write a refusal there too, as the blows over the
-    // penetration ("50/0.275"): that is the test's result as written, not a faulty number.
+    // penetration ("50/0.275"): not a faulty number but a test stopped short. Its result is then
+    // the main drive's blows over their penetration ("50 for 275 mm"), or the text as written.
     const std::string nval = table.Find({"ISPT_NVAL"});
-    if (const std::string text = table.Text(row, nval); IsRefusal(text)) {
-      test.report = test.report.empty() ? text : test.report;
-    } else {
+    const std::string nvalText = table.Text(row, nval);
+    const bool refusal = IsRefusal(nvalText);
+    if (!refusal) {
       test.n = Count(table.Number(row, nval));
     }
     if (!test.n) {
@@ -249,6 +250,9 @@ void ReadSpt(const Table& table, InSituData& data) {
       test.blows = Count(
           main ? main : SumOf(table, row, {"ISPT_INC3", "ISPT_INC4", "ISPT_INC5", "ISPT_INC6"}));
       test.drive = SumOf(table, row, {"ISPT_PEN3", "ISPT_PEN4", "ISPT_PEN5", "ISPT_PEN6"});
+    }
+    if (refusal && SptLabel(test).empty()) {
+      test.report = nvalText;
     }
     test.where = table.Ref(row, top);
     if (SptLabel(test).empty()) {
