@@ -24,6 +24,7 @@
 #include "InSitu.h"
 
 #include <XKLinkDc/XKLinkDc.h>
+#include <array>
 #include <cstddef>
 #include <filesystem>
 #include <map>
@@ -117,6 +118,12 @@ struct Printout {
   bool vscaleChosen = false;
   std::vector<std::pair<double, double>> chainages;
   std::vector<std::string> svgs; // one standalone SVG per sheet, sized in millimetres
+  // Every text of each sheet with its box (left, top, right, bottom; sheet units, y down).
+  struct Label {
+    std::string text;
+    std::array<double, 4> box{};
+  };
+  std::vector<std::vector<Label>> labels;
 };
 
 // The section laid out on sheets (see SheetPrint.h). Throws DrawingError when the scales asked

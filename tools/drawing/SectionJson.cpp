@@ -155,8 +155,14 @@ std::string RenderSectionJson(const Section& section, const Legend& legend,
   json out = SectionJson(section, legend, options);
   json sheets = json::array();
   for (std::size_t k = 0; k < print.chainages.size(); ++k) {
-    sheets.push_back(
-        {{"number", k + 1}, {"from", print.chainages[k].first}, {"to", print.chainages[k].second}});
+    json labels = json::array();
+    for (const Printout::Label& label : print.labels.at(k)) {
+      labels.push_back({{"text", label.text}, {"box", label.box}});
+    }
+    sheets.push_back({{"number", k + 1},
+                      {"from", print.chainages[k].first},
+                      {"to", print.chainages[k].second},
+                      {"labels", labels}});
   }
   out["print"] = {{"paper", PaperName(print.paper)}, {"width_mm", print.widthMm},
                   {"height_mm", print.heightMm},     {"scale", print.scale},

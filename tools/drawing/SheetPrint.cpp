@@ -60,18 +60,28 @@ struct Layout {
   double columnLeft = 0.0;
   double plotLeft = 0.0;
   double plotRoom = 0.0; // the widest the plot may be
+  // The right column holds the legend (its codes with their descriptions or not, in one or two
+  // columns) over the key to the marks beside the logs, the key plan and the title block; or, when
+  // split, the legend beside a column of the others.
   bool descriptions = true;
   int legendColumns = 1;
+  bool split = false;
+  double legendWidth = 0.0;
+  double furnitureLeft = 0.0; // the key plan and title block, from here to inRight
 };
 
-// The height of the legend panel and of the key to the marks beside the logs under it, measured
-// by drawing them on a scratch sheet.
-double LegendHeight(const Section& section, const std::vector<std::size_t>& holes,
-                    const std::vector<LegendRow>& rows, bool inferred, double width, int columns) {
+// The heights of the legend panel and of the key to the marks beside the logs, measured by drawing
+// them on a scratch sheet.
+double PanelHeight(const std::vector<LegendRow>& rows, bool inferred, double width, int columns) {
   Sheet scratch;
   Canvas canvas(scratch);
-  return DrawInSituKey(canvas, section, holes, 0.0,
-                       DrawLegendPanel(canvas, rows, 0.0, 0.0, width, inferred, columns), width);
+  return DrawLegendPanel(canvas, rows, 0.0, 0.0, width, inferred, columns);
+}
+
+double MarksKeyHeight(const Section& section, const std::vector<std::size_t>& holes, double width) {
+  Sheet scratch;
+  Canvas canvas(scratch);
+  return DrawInSituKey(canvas, section, holes, 0.0, 0.0, width);
 }
 
 std::vector<LegendRow> WithoutDescriptions(std::vector<LegendRow> rows) {
@@ -188,36 +198,44 @@ PrintedSheets ComposePrintedSheets(const Section& section, const Legend& legend,
 
   // The right column: the legend over the key plan over the title block. Where the legend of the
   // whole section would not fit above the smallest key plan, the descriptions of the codes are
-  // left out (the file or the legend file gives them), and then the codes stand in two columns.
+  // left out (the file or the legend file gives them), then the codes stand in two columns; on a
+  // small sheet with many codes, the legend then stands beside the rest, at the plot's expense.
   const bool inferred = std::any_of(whole.regions.begin(), whole.regions.end(),
                                     [](const RegionShape& r) { return r.beneath; });
   const std::vector<LegendRow> allRows = LegendRows(section, whole.holes, whole.regions, legend);
-  const double legendRoom =
-      layout.inBottom - layout.inTop - blockHeight - kSmallestKeyPlan - 2.0 * kGap;
+  const double innerHeight = layout.inBottom - layout.inTop;
+  const double legendRoom = innerHeight - blockHeight - kSmallestKeyPlan - 2.0 * kGap;
   double widestCode = 0.0;
   for (const LegendRow& row : allRows) {
     widestCode = std::max(widestCode, TextWidth(row.codeText, kLegendCodeSize, true));
   }
   const bool twoFit = 2.0 * (widestCode + 48.0) + 12.0 <= kColumnWidth;
-  for (const auto& [descriptions, columns] :
-       {std::pair{true, 1}, std::pair{false, 1}, std::pair{false, twoFit ? 2 : 1}}) {
-    layout.descriptions = descriptions;
-    layout.legendColumns = columns;
-    const double width =
-        columns == 1
-            ? std::max(kColumnWidth,
-                       LegendPanelWidth(descriptions ? allRows : WithoutDescriptions(allRows)))
-            : kColumnWidth;
-    if (LegendHeight(section, whole.holes, descriptions ? allRows : WithoutDescriptions(allRows),
-                     inferred, width, columns) <= legendRoom) {
+  struct Choice {
+    bool split;
+    bool descriptions;
+    int columns;
+  };
+  for (const Choice& c :
+       {Choice{false, true, 1}, Choice{false, false, 1}, Choice{false, false, twoFit ? 2 : 1},
+        Choice{true, true, 1}, Choice{true, false, 1}, Choice{true, false, twoFit ? 2 : 1}}) {
+    layout.split = c.split;
+    layout.descriptions = c.descriptions;
+    layout.legendColumns = c.columns;
+    const std::vector<LegendRow> rows = c.descriptions ? allRows : WithoutDescriptions(allRows);
+    layout.legendWidth =
+        c.columns == 1 ? std::max(kColumnWidth, LegendPanelWidth(rows)) : kColumnWidth;
+    const double panel = PanelHeight(rows, inferred, layout.legendWidth, c.columns);
+    const double marks =
+        MarksKeyHeight(section, whole.holes, c.split ? kColumnWidth : layout.legendWidth);
+    if (c.split ? panel <= innerHeight && marks <= legendRoom : panel + marks <= legendRoom) {
       break;
     }
   }
-  const double legendWidth =
-      LegendPanelWidth(layout.descriptions ? allRows : WithoutDescriptions(allRows));
   const double columnWidth =
-      layout.legendColumns == 1 ? std::max(kColumnWidth, legendWidth) : kColumnWidth;
+      layout.split ? layout.legendWidth + kGap + kColumnWidth : layout.legendWidth;
   layout.columnLeft = layout.inRight - columnWidth;
+  layout.furnitureLeft =
+      layout.split ? layout.columnLeft + layout.legendWidth + kGap : layout.columnLeft;
   layout.plotLeft = layout.inLeft + kMarginLeft;
   layout.plotRoom = layout.columnLeft - kLegendGap - kAxisLabelRoom - layout.plotLeft;
 
@@ -339,20 +357,22 @@ PrintedSheets ComposePrintedSheets(const Section& section, const Legend& legend,
     if (!layout.descriptions) {
       rows = WithoutDescriptions(std::move(rows));
     }
-    const double legendBottom = DrawInSituKey(
-        canvas, section, plan.view.holes, layout.columnLeft,
-        DrawLegendPanel(canvas, rows, layout.columnLeft, layout.inTop, columnWidth,
+    const double panelBottom =
+        DrawLegendPanel(canvas, rows, layout.columnLeft, layout.inTop, layout.legendWidth,
                         std::any_of(plan.view.regions.begin(), plan.view.regions.end(),
                                     [](const RegionShape& r) { return r.beneath; }),
-                        layout.legendColumns),
-        columnWidth);
-    // The key plan takes the room the legend leaves, up to the proportions of a plan.
+                        layout.legendColumns);
+    const double furnitureWidth = layout.inRight - layout.furnitureLeft;
+    const double marksBottom =
+        DrawInSituKey(canvas, section, plan.view.holes, layout.furnitureLeft,
+                      layout.split ? layout.inTop : panelBottom, furnitureWidth);
+    // The key plan takes the room left above the title block, up to the proportions of a plan.
     const double blockTop = layout.inBottom - blockHeight;
     const double planTop =
         std::min(blockTop - kGap - kSmallestKeyPlan,
-                 std::max(legendBottom + kGap, blockTop - kGap - 0.8 * columnWidth));
+                 std::max(marksBottom + kGap, blockTop - kGap - 0.8 * furnitureWidth));
     DrawKeyPlan(canvas, section, plan.view.holes, plan.from, plan.to,
-                {layout.columnLeft, planTop, layout.inRight, blockTop - kGap});
+                {layout.furnitureLeft, planTop, layout.inRight, blockTop - kGap});
     TitleBlock sheetBlock = block;
     sheetBlock.scale = out.scale;
     sheetBlock.vscale = out.vscale;
@@ -362,7 +382,7 @@ PrintedSheets ComposePrintedSheets(const Section& section, const Legend& legend,
     sheetBlock.from = plan.from;
     sheetBlock.to = plan.to;
     DrawTitleBlock(canvas, sheetBlock,
-                   {layout.columnLeft, blockTop, layout.inRight, layout.inBottom});
+                   {layout.furnitureLeft, blockTop, layout.inRight, layout.inBottom});
 
     double y = layout.inTop + kHeadingTop;
     for (Text& t : HeadingTexts(canvas, title, section, plan.view, frame.exaggeration, unit,

@@ -184,6 +184,13 @@ Printout RenderPrintout(const Section& section, const Legend& legend, const Draw
   drawing::PrintedSheets printed = drawing::ComposePrintedSheets(section, legend, options, print);
   for (const drawing::Sheet& sheet : printed.sheets) {
     printed.layout.svgs.push_back(SheetSvg(sheet));
+    std::vector<Printout::Label>& labels = printed.layout.labels.emplace_back();
+    for (const drawing::Item& item : sheet.items) {
+      if (const auto* text = std::get_if<Text>(&item)) {
+        const drawing::Box b = drawing::TextBox(*text);
+        labels.push_back({text->text, {b.left, b.top, b.right, b.bottom}});
+      }
+    }
   }
   return std::move(printed.layout);
 }
