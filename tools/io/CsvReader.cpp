@@ -111,6 +111,14 @@ public:
   CsvHoleBuilder(const ReadOptions& options, BoreholeSet& set) : m_options(options), m_set(set) {}
 
   void Read(std::string_view text, const std::string& file) {
+    ReadIntervals(text, file);
+    BuildHoles();
+  }
+
+private:
+  // The rows of the interval table into m_holes. The table's text goes when this returns, before
+  // the holes are built: a large file is never held three times over.
+  void ReadIntervals(std::string_view text, const std::string& file) {
     const Table intervals = ReadTable(text, file);
     const auto columns =
         MatchHeader(intervals.header, m_options.codeColumn, file, intervals.headerLine);
@@ -144,10 +152,8 @@ public:
         }
       }
     }
-    BuildHoles();
   }
 
-private:
   CollarColumns CollarColumnsOf(const HeaderColumns& columns, const Table& table) {
     // Without a collar table, a missing position most likely means an interval table given alone.
     const std::string hint =
@@ -335,15 +341,16 @@ private:
         }
       }
       hole.top = ground.value;
-      for (const auto& interval : rows.intervals) {
+      for (auto& interval : rows.intervals) {
         StratumRecord stratum;
-        stratum.where = interval.where;
         stratum.dc.strName = FromUtf8(interval.code, interval.where);
+        stratum.where = std::move(interval.where);
         const bool depths = m_mode == DepthMode::Depths;
         stratum.dc.dTopGC = depths ? DecimalDifference(ground, interval.top) : interval.top.value;
         stratum.dc.dBotGC = depths ? DecimalDifference(ground, interval.base) : interval.base.value;
         hole.strata.push_back(std::move(stratum));
       }
+      std::vector<Interval>().swap(rows.intervals); // its strata have taken over
       m_set.holes.push_back(std::move(hole));
     }
     if (!unsorted.empty()) {
