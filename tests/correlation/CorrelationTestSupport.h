@@ -85,19 +85,6 @@ inline ::testing::AssertionResult SamePoint(const CXk3DPoint& a, const CXk3DPoin
                                        << b.x << ", " << b.y << ", " << b.z << ")";
 }
 
-inline ::testing::AssertionResult Near(const std::vector<double>& actual,
-                                       const std::vector<double>& expected) {
-  for (std::size_t i = 0; i < actual.size(); ++i) {
-    if (!(std::fabs(actual[i] - expected[i]) <= 1e-9)) {
-      return ::testing::AssertionFailure()
-             << "value " << i << ": " << actual[i] << " vs " << expected[i];
-    }
-  }
-  return ::testing::AssertionSuccess();
-}
-
-#define EXPECT_POINT(p, ex, ey, ez)                                                                \
-  EXPECT_TRUE(::xkltest::Near({(p).x, (p).y, (p).z}, {ex, ey, ez}))
 #define EXPECT_RANGES(r, b1, e1, b2, e2)                                                           \
   EXPECT_EQ((std::vector<int32_t>{(r).nBegin1, (r).nEnd1, (r).nBegin2, (r).nEnd2}),                \
             (std::vector<int32_t>{b1, e1, b2, e2}))

@@ -1,7 +1,7 @@
-// AGS files made by hand, each edit hitting one rule of the format or one habit of real files:
-// AGS4 ("GROUP"/"HEADING"/"DATA" lines, descriptions over several lines) and AGS 3.1 ("**" groups,
-// lines that wrap, <UNITS> and <CONT> rows, groups given twice); codes, their fall-backs and
-// meanings; missing ground levels; rows the reader leaves out.
+// AGS files made by hand, each edit hitting one rule of the format: AGS4 ("GROUP"/"HEADING"/"DATA"
+// lines) and AGS 3.1 ("**" groups, <UNITS> and <CONT> rows); codes and their fall-backs; rows the
+// reader leaves out. Lines that wrap, <CONT> rows that carry the code and groups given twice are
+// shown by the real files (RealFilesTest: NLE, C6034), quoting by the tokenizer's tests.
 #include "AgsReader.h"
 
 #include "IoTestSupport.h"
@@ -106,43 +106,12 @@ TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
   EXPECT_EQ(Read(kSite3).holes[0].strata[1].dc.dBotGC, 1.68);
 }
 
-TEST(AgsReaderTest, ContRowsAddToTheFieldsOfTheRowAbove) {
-  // BH1's second code stands only on its <CONT> line (kSite3Holes: MG from line 17); BH2's legend
-  // code is split over two lines, "2" + "01"; "?" marks a heading of the producer's own.
-  EXPECT_EQ(Read(kSite3, CodeColumn("GEOL_LEG")).holes[1].strata[0].dc.strName, L"201");
-  EXPECT_EQ(Summary(Read(kSite3, CodeColumn("GEOL_UNIT")))[0],
-            "BH1 @500.5,100 top 4.08: T 4.08..4.01@16 M 4.01..1.68@17 C 1.68..-35.92@19");
-}
-
 TEST(AgsReaderTest, BytesOutsideUtf8AreReadAsWindows1252WithAWarning) {
   const auto set = Read(Edit(kSite, "\"ALV\"", "\"Argila \xE1\""));
   EXPECT_EQ(set.holes[0].strata[0].dc.strName, L"Argila \u00E1");
   EXPECT_EQ(Messages(set.diagnostics),
             std::vector<std::string>{
                 "site.ags:18: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"});
-}
-
-TEST(AgsReaderTest, WrappedLinesDescriptionsOverSeveralLinesAndGroupsGivenTwice) {
-  // AGS 3.1: a data row and a <UNITS> row that end with a comma go on in the next line; the HOLE
-  // group given again with headings of its own, as C6034 does, adds to the holes of the first.
-  auto wrapped = Edit(kSite3, R"("BH1","CP","500.5",)", "\"BH1\",\"CP\",\"500.5\",\n");
-  wrapped = Edit(wrapped, R"("<UNITS>","m","m","","",)", "\"<UNITS>\",\"m\",\"m\",\"\",\"\",\n");
-  wrapped = Edit(wrapped, "\n\"**GEOL\"",
-                 "\n\"**HOLE\"\n\"*HOLE_ID\",\"*HOLE_REM\"\n"
-                 "\"BH2\",\"re-drilled\"\n\n\"**GEOL\"");
-  const auto set = Read(wrapped);
-  EXPECT_EQ(Summary(set),
-            (std::vector<std::string>{
-                "BH1 @500.5,100 top 4.08: TOP 4.08..4.01@22 MG 4.01..1.68@23 LC 1.68..-35.92@25",
-                "BH2 @600,100 top 1.66: LC 1.66..-1.34@26"}));
-  EXPECT_EQ(Messages(set.diagnostics),
-            std::vector<std::string>{"site.ags:14: warning: field HOLE: group HOLE appears again "
-                                     "(first at line 6); its rows are read with those of the "
-                                     "first, matched by heading"});
-  // Cut inside a quoted field, a file has lost its last rows: not one to draw a section from.
-  EXPECT_EQ(ParseErrorOf([] { Read(kSite.substr(0, kSite.rfind("Dense"))); }),
-            "site.ags:21: a quoted field opened on this line is never closed: the file ends "
-            "inside it (was it cut short?)");
 }
 
 TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {

@@ -49,17 +49,14 @@ TEST(CsvReaderTest, ReadsOneRowPerStratumWithDepthsBelowTheCollar) {
   EXPECT_EQ(Summary(quoted), Lines{"BH1 @0,0 top 5: Firm, \"grey\"\nCLAY 5..4@3 B 4..3@5"});
 }
 
-TEST(CsvReaderTest, HeaderAliasesIgnoreCaseSpacesAndUnits) {
-  EXPECT_EQ(Summary(Read("Hole ID,x,y,Elev,From (m),To (m),Lith\n"
-                         "BH1,0,0,50,0,2.5,SAND\nBH1,0,0,50,2.5,10,CLAY\n")),
-            Lines{"BH1 @0,0 top 50: SAND 50..47.5@2 CLAY 47.5..40@3"});
-}
-
-TEST(CsvReaderTest, ColumnNamesOrValuesTellDepthsFromElevations) {
+TEST(CsvReaderTest, AliasesAndColumnNamesOrValuesTellDepthsFromElevations) {
   const struct {
     std::string text;
     Lines warnings;
   } cases[] = {
+      // Header aliases ignore case, spaces and units.
+      {"Hole ID,x,y,Elev,From (m),To (m),Lith\nBH1,0,0,50,0,2.5,SAND\nBH1,0,0,50,2.5,10,CLAY\n",
+       {}},
       {"BH,E,N,GL,TOP_RL,BASE_RL,UNIT\nBH1,0,0,50,50,47.5,SAND\nBH1,0,0,50,47.5,40,CLAY\n", {}},
       // A named column decides for its plain partner.
       {"BH,X,Y,Z,FROM,BASE,CODE\nBH1,0,0,50,0,2.5,SAND\nBH1,0,0,50,2.5,10,CLAY\n", {}},
