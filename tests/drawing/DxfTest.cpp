@@ -6,9 +6,7 @@
 #include <dl_creationadapter.h>
 #include <dl_dxf.h>
 #include <gtest/gtest.h>
-#include <limits>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -125,17 +123,6 @@ TEST(RenderDxf, LayerNamesAreSafeAndDistinct) {
   }
   EXPECT_EQ(strata, 3u);
   EXPECT_EQ(std::set<std::string>(dxf.layers.begin(), dxf.layers.end()).size(), dxf.layers.size());
-}
-
-TEST(RenderDxf, NonFiniteInputNeverReachesTheFile) {
-  Section section = LondonSection();
-  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-  section.pairs[0].root.vecChild[1].ptTop[0].x = kNaN;
-  section.pairs[2].lines[1].pt1.z = std::numeric_limits<double>::infinity();
-  section.holes[3].zk.vecDC[2].dTopGC = kNaN;
-  const std::string text = RenderDxf(section, {}, {});
-  EXPECT_FALSE(std::regex_search(text, std::regex("nan|inf", std::regex::icase)));
-  EXPECT_EQ(Read(text).On("SECTION-LINES").size(), testing::LineCount(section) - 1);
 }
 
 } // namespace

@@ -106,7 +106,6 @@ TEST(GisOutputTest, GeoJsonPlacesTheHoleAtItsPublishedLongitudeAndLatitude) {
     Geographic expected;
   } cases[] = {
       {"OSGB", "", kOsE, kOsN, kOsWgs84},
-      {"British National Grid", "", kOsE, kOsN, kOsWgs84},
       {"", "EPSG:27700", kOsE, kOsN, kOsWgs84},
       // Irish Transverse Mercator is on ETRS89: its natural origin, 53 30 N 8 W, is E 600000
       // N 750000 by definition.

@@ -1,9 +1,8 @@
-// Water strikes, standing levels, SPT results and descriptions read from AGS files: hand-made
-// files, one rule per row, and the real files that carry them.
+// Water strikes, standing levels, SPT results and descriptions read from AGS files: a hand-made
+// file, one rule per row. The real files that carry them are read through the tool
+// (InSituSectionTest).
 #include "AgsInSitu.h"
 #include "IoTestSupport.h"
-#include "ReadBoreholes.h"
-#include "SourceFile.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +10,6 @@ namespace xklink {
 namespace {
 
 using testing::Messages;
-
-const std::filesystem::path kReal = XKLINKDC_REAL_DATA_DIR;
 
 // One line per record: "strike 12.8 -> 12.2 after 20 at 2000-02-16 (line 7)", "spt 1.2 N=7".
 std::vector<std::string> Summary(const HoleInSitu& hole) {
@@ -101,40 +98,6 @@ TEST(InSituTest, Ags4StrikesKeepTheirLastReadingAndTestsTheirResultAsReported) {
                 "site.ags:34: warning: field ISPT_TOP: SPT without a result (no N, report or blow "
                 "count); left out",
                 "site.ags:35: warning: field ISPT_TOP: negative depth -1.0; the row is left out"}));
-}
-
-TEST(InSituTest, RealFiles) {
-  const struct {
-    std::string file;
-    std::string hole;
-    std::vector<std::string> first; // the first records of the hole of each kind
-  } cases[] = {
-      {"dlr-city-airport/DLR_City_Airport_Extension.ags",
-       "BH105",
-       {"strike 9.4 -> 6.2 after 20 at 2000-02-16T00:00:00 (line 5874)"}},
-      {"m621-widening/M621_Widening.ags", "BH01", {"strike 12.8 -> 12.2 after 20 at  (line 1996)"}},
-      {"nle-battersea/21-7-10-NLE.ags",
-       "BH01",
-       {"strike 4.5 -> 3.11 after 20 at  (line 273)", "spt 2 N=17"}},
-      {"c6034-ags3/C6034.ags", "BH 1", {"spt 5.4 50 (25 for 0mm/50 for 15mm)"}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.file);
-    std::vector<Diagnostic> diagnostics;
-    const InSituData data = ReadAgsInSitu(ReadSourceFile(kReal / c.file), c.file, diagnostics);
-    ASSERT_TRUE(data.count(c.hole));
-    const std::vector<std::string> all = Summary(data.at(c.hole));
-    for (const std::string& record : c.first) {
-      EXPECT_NE(std::find(all.begin(), all.end(), record), all.end())
-          << record << " not in\n"
-          << ::testing::PrintToString(all);
-    }
-  }
-  // The reader of the holes hands them on with the holes.
-  ReadOptions options;
-  options.inSitu = true;
-  const auto nle = ReadBoreholes(kReal / cases[2].file, Format::Ags, options);
-  EXPECT_EQ(Summary(nle.inSitu.at("BH01")).front(), cases[2].first.front());
 }
 
 } // namespace
