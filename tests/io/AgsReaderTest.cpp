@@ -1,7 +1,7 @@
 // AGS files made by hand, each edit hitting one rule of the format: AGS4 ("GROUP"/"HEADING"/"DATA"
-// lines) and AGS 3.1 ("**" groups, <UNITS> and <CONT> rows); codes and their fall-backs; rows the
-// reader leaves out. Lines that wrap, <CONT> rows that carry the code and groups given twice are
-// shown by the real files (RealFilesTest: NLE, C6034), quoting by the tokenizer's tests.
+// lines, groups given twice) and AGS 3.1 ("**" groups, <UNITS> and <CONT> rows); codes and their
+// fall-backs; rows the reader leaves out. Lines that wrap and <CONT> rows that alone carry the code
+// are shown by the real files (RealFilesTest: NLE, C6034), quoting by the tokenizer's tests.
 #include "AgsReader.h"
 
 #include "IoTestSupport.h"
@@ -104,6 +104,19 @@ TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
             "LOCA_GL GEOL_BASE HOLE_GL");
   // 4.08 - 2.4 is the elevation 1.68 as written, not the double next to it.
   EXPECT_EQ(Read(kSite3).holes[0].strata[1].dc.dBotGC, 1.68);
+}
+
+TEST(AgsReaderTest, AGroupGivenAgainAddsItsRowsMatchedByHeading) {
+  // BH2's LOCA row moved to a second LOCA group after GEOL, its headings in another order.
+  const auto set = Read(Edit(kSite, kBh2Loca, "") +
+                        "\n\"GROUP\",\"LOCA\"\n"
+                        "\"HEADING\",\"LOCA_GL\",\"LOCA_NATN\",\"LOCA_ID\",\"LOCA_NATE\"\n"
+                        "\"DATA\",\"12.50\",\"2000.00\",\"BH2\",\"1100.00\"\n");
+  EXPECT_EQ(Summary(set), kSiteHoles);
+  EXPECT_EQ(Messages(set.diagnostics),
+            std::vector<std::string>{"site.ags:23: warning: field LOCA: group LOCA appears again "
+                                     "(first at line 7); its rows are read with those of the "
+                                     "first, matched by heading"});
 }
 
 TEST(AgsReaderTest, BytesOutsideUtf8AreReadAsWindows1252WithAWarning) {
