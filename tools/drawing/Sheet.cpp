@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace xklink::drawing {
 
@@ -375,6 +376,23 @@ std::vector<Text> HeadingTexts(const Canvas& canvas, const std::string& title,
   return texts;
 }
 
+void StartSheet(Sheet& sheet, Canvas& canvas, const Frame& frame, std::string description) {
+  sheet.exaggeration = frame.exaggeration;
+  sheet.originX = frame.left;
+  sheet.originY = frame.top;
+  sheet.sLeft = frame.sLeft;
+  sheet.zTop = frame.zTop;
+  sheet.scale = frame.scale;
+  sheet.description = std::move(description);
+  canvas.Add(Path{Layer::Background,
+                  {},
+                  Rectangle(0.0, 0.0, sheet.width, sheet.height),
+                  true,
+                  kWhite,
+                  std::nullopt,
+                  0.0});
+}
+
 std::vector<FilledRegion> DrawPlot(Canvas& canvas, const Section& section, const View& view,
                                    const Frame& frame, const HeaderBand& band, const Legend& legend,
                                    const std::string& unit, bool depthBelowGround) {
@@ -439,22 +457,9 @@ Sheet ComposeSheet(const Section& section, const Legend& legend, const DrawOptio
   frame.top = y + 14.0 + band.height;
   sheet.height = frame.Bottom() + kBelowPlot;
 
-  sheet.exaggeration = frame.exaggeration;
-  sheet.originX = frame.left;
-  sheet.originY = frame.top;
-  sheet.sLeft = frame.sLeft;
-  sheet.zTop = frame.zTop;
-  sheet.scale = frame.scale;
-  sheet.description = "Geological section: " + std::to_string(view.holes.size()) +
-                      " boreholes, vertical exaggeration " + ExaggerationText(frame.exaggeration);
-
-  canvas.Add(Path{Layer::Background,
-                  {},
-                  Rectangle(0.0, 0.0, sheet.width, sheet.height),
-                  true,
-                  kWhite,
-                  std::nullopt,
-                  0.0});
+  StartSheet(sheet, canvas, frame,
+             "Geological section: " + std::to_string(view.holes.size()) +
+                 " boreholes, vertical exaggeration " + ExaggerationText(frame.exaggeration));
   const std::vector<FilledRegion> filled =
       DrawPlot(canvas, section, view, frame, band, legend, unit, options.depthBelowGround);
   const bool inferred = std::any_of(view.regions.begin(), view.regions.end(),

@@ -40,6 +40,10 @@ std::vector<Text> HeadingTexts(const Canvas& canvas, const std::string& title,
                                const Section& section, const View& view, double exaggeration,
                                const std::string& unit, double left, double width, double& y);
 
+// Starts a sheet whose size is set: where its plot lies and at what scales (for those who read
+// the sheet back: section.json, the page), what it shows in a sentence, and its white ground.
+void StartSheet(Sheet& sheet, Canvas& canvas, const Frame& frame, std::string description);
+
 // The plot: grid, strata, section lines, ground, columns, hole headers and axes. Returns the
 // filled regions, to be labelled by DrawPlotLabels once everything else is on the sheet.
 std::vector<FilledRegion> DrawPlot(Canvas& canvas, const Section& section, const View& view,

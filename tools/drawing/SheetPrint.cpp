@@ -326,22 +326,10 @@ PrintedSheets ComposePrintedSheets(const Section& section, const Legend& legend,
     sheet.widthMm = paper.width;
     sheet.heightMm = paper.height;
     sheet.title = title;
-    sheet.exaggeration = frame.exaggeration;
-    sheet.originX = frame.left;
-    sheet.originY = frame.top;
-    sheet.sLeft = frame.sLeft;
-    sheet.zTop = frame.zTop;
-    sheet.scale = frame.scale;
-    sheet.description = "Geological section, sheet " + std::to_string(k + 1) + " of " +
-                        std::to_string(plans.size()) + ", " + ScaleText(out.scale) +
-                        " horizontally, " + ScaleText(out.vscale) + " vertically";
-    canvas.Add(Path{Layer::Background,
-                    {},
-                    Rectangle(0.0, 0.0, sheet.width, sheet.height),
-                    true,
-                    kWhite,
-                    std::nullopt,
-                    0.0});
+    StartSheet(sheet, canvas, frame,
+               "Geological section, sheet " + std::to_string(k + 1) + " of " +
+                   std::to_string(plans.size()) + ", " + ScaleText(out.scale) + " horizontally, " +
+                   ScaleText(out.vscale) + " vertically");
     canvas.Add(Path{Layer::Title,
                     {},
                     Rectangle(layout.inLeft, layout.inTop, layout.inRight - layout.inLeft,
