@@ -2,6 +2,8 @@
 // computed independently of the library, regions placed on boundaries, and tree comparison.
 #pragma once
 
+#include "../support/ResultText.h"
+
 #include <XKLinkDc/XKLinkDc.h>
 #include <cmath>
 #include <cstddef>
@@ -75,41 +77,18 @@ inline DataType::_sLinkRegion MakeRegion(const DataType::_sZK& zk1, const DataTy
   return r;
 }
 
-// Exact equality of two points; two not-a-number coordinates count as equal.
-inline ::testing::AssertionResult SamePoint(const CXk3DPoint& a, const CXk3DPoint& b) {
-  const auto same = [](double u, double v) { return u == v || (std::isnan(u) && std::isnan(v)); };
-  if (same(a.x, b.x) && same(a.y, b.y) && same(a.z, b.z)) {
-    return ::testing::AssertionSuccess();
-  }
-  return ::testing::AssertionFailure() << "(" << a.x << ", " << a.y << ", " << a.z << ") vs ("
-                                       << b.x << ", " << b.y << ", " << b.z << ")";
-}
-
 #define EXPECT_RANGES(r, b1, e1, b2, e2)                                                           \
   EXPECT_EQ((std::vector<int32_t>{(r).nBegin1, (r).nEnd1, (r).nBegin2, (r).nEnd2}),                \
             (std::vector<int32_t>{b1, e1, b2, e2}))
 
-// Bit-for-bit equality of two region trees, with the path of the first difference.
-inline ::testing::AssertionResult SameTree(const DataType::_sLinkRegion& a,
-                                           const DataType::_sLinkRegion& b,
-                                           const std::string& path = "root") {
-  if (a.nType != b.nType || a.bNamed != b.bNamed || a.strName != b.strName ||
-      a.nBegin1 != b.nBegin1 || a.nEnd1 != b.nEnd1 || a.nBegin2 != b.nBegin2 ||
-      a.nEnd2 != b.nEnd2 || a.vecChild.size() != b.vecChild.size()) {
-    return ::testing::AssertionFailure() << "fields differ at " << path;
+// Bit-for-bit equality of two region trees, with the first differing field.
+inline ::testing::AssertionResult SameTree(const DataType::_sLinkRegion& got,
+                                           const DataType::_sLinkRegion& want) {
+  const std::string why = xktest::FirstDifference(got, want, "root");
+  if (why.empty()) {
+    return ::testing::AssertionSuccess();
   }
-  for (int i = 0; i < 2; ++i) {
-    if (!SamePoint(a.ptTop[i], b.ptTop[i]) || !SamePoint(a.ptBot[i], b.ptBot[i])) {
-      return ::testing::AssertionFailure() << "corners differ at " << path;
-    }
-  }
-  for (std::size_t i = 0; i < a.vecChild.size(); ++i) {
-    auto sub = SameTree(a.vecChild[i], b.vecChild[i], path + "/" + std::to_string(i));
-    if (!sub) {
-      return sub;
-    }
-  }
-  return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << why;
 }
 
 // A region with the given sub-regions, for building expected trees.

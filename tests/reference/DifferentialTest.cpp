@@ -8,9 +8,9 @@
 // boreholes.
 #include "reference/ReferenceCorrelation.h"
 #include "support/RandomBoreholes.h"
+#include "support/ResultText.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <functional>
@@ -18,7 +18,6 @@
 #include <limits>
 #include <ostream>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -28,86 +27,10 @@ using DataType::_sLinkLine;
 using DataType::_sLinkRegion;
 using DataType::_sZK;
 using xktest::Chance;
+using xktest::Describe;
+using xktest::FirstDifference;
 using xktest::UniformInt;
 using xktest::UniformReal;
-
-// Every field of a tree or a list of lines, one per line of text with its path, doubles with their
-// bits: two results are identical exactly when their texts are, and the first line that differs
-// names the first differing field.
-std::string Num(double v) {
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%.17g [%016llx]", v,
-                static_cast<unsigned long long>(std::bit_cast<uint64_t>(v)));
-  return buf;
-}
-
-std::string Narrow(const std::wstring& w) {
-  std::string s;
-  for (const wchar_t c : w) {
-    s += (c >= 32 && c < 127) ? static_cast<char>(c) : '?';
-  }
-  return s;
-}
-
-using Text = std::vector<std::string>;
-
-void Point(Text& out, const std::string& path, const CXk3DPoint& p) {
-  out.push_back(path + ": " + Num(p.x) + " " + Num(p.y) + " " + Num(p.z));
-}
-
-void Fields(Text& out, const _sLinkRegion& r, const std::string& path) {
-  out.push_back(path + ": kind " + std::to_string(r.nType) + " named " + std::to_string(r.bNamed) +
-                " \"" + Narrow(r.strName) + "\" ranges " + std::to_string(r.nBegin1) + " " +
-                std::to_string(r.nEnd1) + " " + std::to_string(r.nBegin2) + " " +
-                std::to_string(r.nEnd2) + ", " + std::to_string(r.vecChild.size()) + " children");
-  for (int k = 0; k < 2; ++k) {
-    Point(out, path + ".ptTop[" + std::to_string(k) + "]", r.ptTop[k]);
-    Point(out, path + ".ptBot[" + std::to_string(k) + "]", r.ptBot[k]);
-  }
-  for (std::size_t k = 0; k < r.vecChild.size(); ++k) {
-    Fields(out, r.vecChild[k], path + "/" + std::to_string(k));
-  }
-}
-
-void Fields(Text& out, const std::vector<_sLinkLine>& lines, const std::string& path) {
-  out.push_back(path + ": " + std::to_string(lines.size()) + " lines");
-  for (std::size_t k = 0; k < lines.size(); ++k) {
-    const _sLinkLine& l = lines[k];
-    const std::string at = path + "[" + std::to_string(k) + "]";
-    Point(out, at + ".pt1", l.pt1);
-    Point(out, at + ".pt2", l.pt2);
-    out.push_back(at + ": kind " + std::to_string(l.nType) + " bottom " +
-                  std::to_string(l.bBottom) + " \"" + Narrow(l.strUpName) + "\" / \"" +
-                  Narrow(l.strDownName) + "\"");
-  }
-}
-
-// The first differing field of two results, or nothing.
-template <class Result>
-std::string FirstDifference(const Result& lib, const Result& ref, const std::string& path) {
-  Text a;
-  Text b;
-  Fields(a, lib, path);
-  Fields(b, ref, path);
-  const auto [x, y] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
-  if (x == a.end() && y == b.end()) {
-    return {};
-  }
-  return "library " + (x == a.end() ? std::string("(nothing)") : *x) + ", reference " +
-         (y == b.end() ? std::string("(nothing)") : *y);
-}
-
-std::string Describe(const _sZK& zk) {
-  std::ostringstream os;
-  os << "  collar " << Num(zk.dTopGC) << " at (" << Num(zk.dX) << ", " << Num(zk.dY) << "), "
-     << zk.vecDC.size() << " strata\n";
-  for (std::size_t k = 0; k < zk.vecDC.size() && k < 60; ++k) {
-    const auto& dc = zk.vecDC[k];
-    os << "    \"" << Narrow(dc.strName) << "\" " << Num(dc.dTopGC) << " .. " << Num(dc.dBotGC)
-       << "\n";
-  }
-  return os.str();
-}
 
 // One case: two holes and the lines the caller already holds, which take part in merging, sorting
 // and removal.
@@ -362,7 +285,8 @@ TEST_P(Differential, LibraryAndContextAgreeWithTheReference) {
     const std::string why = Check(c, Chance(rng, 0.2), seed % 2 == 0, context);
     ++pairs;
     if (!why.empty()) {
-      ADD_FAILURE() << group.name << ", seed " << seed << ": " << why << "\nborehole 1:\n"
+      ADD_FAILURE() << group.name << ", seed " << seed
+                    << " (got: library, want: reference): " << why << "\nborehole 1:\n"
                     << Describe(c.a) << "borehole 2:\n"
                     << Describe(c.b);
       break;

@@ -45,12 +45,7 @@ void Lines(const _sZK& a, const _sZK& b, std::vector<_sLinkLine>& lines) {
   std::vector<_sLinkLine> plain = lines;
   LinkDcLine(a, b, lines);
   reference::ReferenceLinkDcLine(a, b, plain);
-  ASSERT_EQ(lines.size(), plain.size());
-  for (std::size_t k = 0; k < lines.size(); ++k) {
-    EXPECT_TRUE(lines[k].IsSame(plain[k]) && lines[k].strUpName == plain[k].strUpName &&
-                lines[k].strDownName == plain[k].strDownName && lines[k].nType == plain[k].nType)
-        << "line " << k;
-  }
+  EXPECT_EQ(xktest::FirstDifference(lines, plain, "lines"), "");
 }
 
 std::wstring Names(const std::vector<_sLinkRegion>& regions) {
