@@ -3,7 +3,6 @@
 #pragma once
 
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <vector>
 
 namespace xkl {

@@ -108,12 +108,15 @@ TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayer
 
 TEST(RenderDxf, LayerNamesAreSafeAndDistinct) {
   const auto hole = [](const wchar_t* name, double x, double top) {
-    return testing::MakeHole(name, x, 0.0, {{L"A/B", top, top - 2.0}, {L"A:B", top - 2.0, top - 5.0},
-                                            {L"Ton \u00FC", top - 5.0, top - 10.0}});
+    return testing::MakeHole(name, x, 0.0,
+                             {{L"A/B", top, top - 2.0},
+                              {L"A:B", top - 2.0, top - 5.0},
+                              {L"Ton \u00FC", top - 5.0, top - 10.0}});
   };
-  const ReadBack dxf = Read(RenderDxf(
-      testing::CorrelatedSection("names", {{"A", hole(L"A", 0.0, 10.0)}, {"B", hole(L"B", 40.0, 11.0)}}),
-      {}, {}));
+  const ReadBack dxf =
+      Read(RenderDxf(testing::CorrelatedSection(
+                         "names", {{"A", hole(L"A", 0.0, 10.0)}, {"B", hole(L"B", 40.0, 11.0)}}),
+                     {}, {}));
   std::size_t strata = 0;
   for (const std::string& layer : dxf.layers) {
     EXPECT_EQ(layer.find_first_of("<>/\\\":;?*|=`, "), std::string::npos) << layer;

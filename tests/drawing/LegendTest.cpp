@@ -20,16 +20,26 @@ TEST(ReadLegendCsv, GoodFilesAndTheLineAndReasonOfBadOnes) {
   const Case cases[] = {
       {"header, blank line, spaces, quotes, no label",
        "code,colour,label\nMG,#A0A0A0,Made Ground\n\n"
-       "ALV , DarkSeaGreen , \"Alluvium: soft, grey \"\"silty\"\" CLAY\"\nLC,#b08a62\n", 0, "",
+       "ALV , DarkSeaGreen , \"Alluvium: soft, grey \"\"silty\"\" CLAY\"\nLC,#b08a62\n",
+       0,
+       "",
        {{L"MG", {"#a0a0a0", "Made Ground"}},
         {L"ALV", {"#8fbc8f", "Alluvium: soft, grey \"silty\" CLAY"}},
         {L"LC", {"#b08a62", ""}}}},
       {"spreadsheet export: BOM, CRLF, Color, no final newline",
-       "\xEF\xBB\xBF" "Code,Color,Label\r\nSAND,yellow,Sand\r\nGRAVEL,#ffa500,Gravel", 0, "",
+       "\xEF\xBB\xBF"
+       "Code,Color,Label\r\nSAND,yellow,Sand\r\nGRAVEL,#ffa500,Gravel",
+       0,
+       "",
        {{L"SAND", {"#ffff00", "Sand"}}, {L"GRAVEL", {"#ffa500", "Gravel"}}}},
       {"empty", "", 0, "", {}},
-      {"no header; codes are Unicode and exact", "Lehm \xC3\xBC,#996633,x\nclay,#aa7744\nCLAY,#bb8855\n",
-       0, "", {{L"Lehm \u00FC", {"#996633", "x"}}, {L"clay", {"#aa7744", ""}}, {L"CLAY", {"#bb8855", ""}}}},
+      {"no header; codes are Unicode and exact",
+       "Lehm \xC3\xBC,#996633,x\nclay,#aa7744\nCLAY,#bb8855\n",
+       0,
+       "",
+       {{L"Lehm \u00FC", {"#996633", "x"}},
+        {L"clay", {"#aa7744", ""}},
+        {L"CLAY", {"#bb8855", ""}}}},
       {"only the first line is a header", "SAND,yellow\ncode,colour,label\n", 2, "'colour'", {}},
       {"one field", "code,colour,label\nMG\n", 2, "found 1 field", {}},
       {"four fields", "MG,grey,Made,Ground\n", 1, "found 4 fields", {}},
@@ -61,7 +71,8 @@ TEST(ReadLegendCsv, GoodFilesAndTheLineAndReasonOfBadOnes) {
       EXPECT_EQ(e.file(), path);
       EXPECT_EQ(e.line(), c.line);
       const std::string message = e.what();
-      EXPECT_EQ(message.rfind(path.string() + ":" + std::to_string(c.line) + ": ", 0), 0u) << message;
+      EXPECT_EQ(message.rfind(path.string() + ":" + std::to_string(c.line) + ": ", 0), 0u)
+          << message;
       EXPECT_NE(message.find(c.says), std::string::npos) << message;
     }
   }

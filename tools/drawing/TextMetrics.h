@@ -1,5 +1,6 @@
-// Text conversions of the drawing, on top of the tools' one UTF-8 conversion (tools/io/Text.h): stratum codes are wide strings, the sheets are UTF-8 (SVG) or
-// ASCII with \U+XXXX escapes (DXF R2000, whose strings are in the drawing's code page).
+// Text conversions of the drawing, on top of the tools' one UTF-8 conversion (tools/io/Text.h):
+// stratum codes are wide strings, the sheets are UTF-8 (SVG) or ASCII with \U+XXXX escapes (DXF
+// R2000, whose strings are in the drawing's code page).
 #pragma once
 
 #include <optional>

@@ -35,9 +35,9 @@ std::optional<GridReference> ReadAgsGridReference(std::string_view raw, const st
       grid = GridReference{name, {file, line, heading}};
     } else if (name != grid->name) {
       throw ParseError({file, line, heading}, "the holes are on two grids, '" + grid->name +
-                                                      "' (line " +
-                                                      std::to_string(grid->where.line) + ") and '" +
-                                                      name + "'; convert them to one grid first");
+                                                  "' (line " + std::to_string(grid->where.line) +
+                                                  ") and '" + name +
+                                                  "'; convert them to one grid first");
     }
   }
   return grid;

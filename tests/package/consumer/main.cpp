@@ -1,7 +1,6 @@
 // A host that knows the library only through its installed package: it correlates two boreholes
 // that share their top and bottom strata and expects the middle one to pinch out.
 #include <XKLinkDc/XKLinkDc.h>
-
 #include <cstdio>
 
 namespace {
