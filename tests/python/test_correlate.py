@@ -39,22 +39,12 @@ def test_lines_are_the_tools(path, options, tool_options):
     assert [pair_as_json(p) for p in pairs] == expected
 
 
-def region_as_json(root):
-    """A region tree in the form of the tool's JSON, walked without recursion."""
-    def head(r):
-        return {"type": r.type, "named": r.named, "name": r.name, "begin1": r.begin1,
-                "end1": r.end1, "begin2": r.begin2, "end2": r.end2,
-                "top": [[p.x, p.y, p.z] for p in r.top],
-                "bottom": [[p.x, p.y, p.z] for p in r.bottom], "children": []}
-    out = head(root)
-    todo = [(root, out)]
-    while todo:
-        region, json_region = todo.pop()
-        for child in region.children:
-            json_child = head(child)
-            json_region["children"].append(json_child)
-            todo.append((child, json_child))
-    return out
+def region_as_json(r):
+    """A region tree in the form of the tool's JSON."""
+    return {"type": r.type, "named": r.named, "name": r.name, "begin1": r.begin1, "end1": r.end1,
+            "begin2": r.begin2, "end2": r.end2, "top": [[p.x, p.y, p.z] for p in r.top],
+            "bottom": [[p.x, p.y, p.z] for p in r.bottom],
+            "children": [region_as_json(c) for c in r.children]}
 
 
 @pytest.mark.parametrize("path, a, b", [

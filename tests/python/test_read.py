@@ -16,12 +16,6 @@ BAD_JSON = """{"boreholes": [
 BAD_CSV = "HOLEID,X,Y,Z,FROM,TO,CODE\nBH1,0,0,10,0,2,A\nBH2,5,0,10,0,abc,A\n"
 
 
-def write(tmp_path, name, text):
-    path = tmp_path / name
-    path.write_text(text)
-    return path
-
-
 M621 = REAL / "m621-widening" / "M621_Widening.ags"
 
 # (a real file or the name and text of one, options, whether the error names the file, its line
@@ -43,8 +37,9 @@ ERRORS = [
                          ids=[f"{e[3]}-{e[4]}" for e in ERRORS])
 def test_errors_name_file_line_and_field(tmp_path, source, options, located, line, field,
                                          message):
-    path = source if not isinstance(source, tuple) else (
-        write(tmp_path, *source) if source[1] else tmp_path / source[0])
+    path = tmp_path / source[0] if isinstance(source, tuple) else source
+    if isinstance(source, tuple) and source[1]:
+        path.write_text(source[1])
     with pytest.raises(xklink.Error) as raised:
         xklink.read(path, **options)
     error = raised.value
@@ -77,7 +72,8 @@ def test_holes_and_strata_keep_the_files_values(tmp_path):
             "strata": [{"code": "MG", "top": 12.5, "bottom": 11.0},
                        {"code": "LC", "top": 11.0, "bottom": 0.25}]}
     other = dict(hole, name="BH2", x=512400.0)
-    path = write(tmp_path, "site.json", json.dumps({"boreholes": [hole, other]}))
+    path = tmp_path / "site.json"
+    path.write_text(json.dumps({"boreholes": [hole, other]}))
     site = xklink.read(path)
     read = site["BH-é"]
     assert (read.name, read.x, read.y, read.ground_level) == ("BH-é", 512345.25, 181234.5, 12.5)

@@ -11,11 +11,8 @@ LINE = "529568,177187,531647,177993"  # BH02, BH03 and BH10 lie within 100 m of 
 
 
 # (extension, the tool's command line that writes the same; OUT is the tool's output file)
-FORMATS = [
-    (".svg", ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]),
-    (".dxf", ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]),
-    (".json", ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]),
-    (".html", ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]),
+SECTION = ["section", NLE, "--holes", HOLES, "--title", "A-A'", "--exaggeration", "20"]
+FORMATS = [(extension, SECTION) for extension in (".svg", ".dxf", ".json", ".html")] + [
     (".csv", ["lines", NLE, "--holes", HOLES, "--format", "csv"]),
     (".geojson", ["lines", NLE, "--holes", HOLES, "--format", "geojson", "--crs", "EPSG:27700"]),
 ]
