@@ -1,16 +1,55 @@
-// xklink section: the drawn cross-section, checked by the programs a user opens it with: the SVG
-// by a real XML parser (xmllint), the DXF by ezdxf. How the sheet is drawn is the drawing tests'
-// business; here, that the options reach it and that bad ones stop the tool.
+// xklink section: the drawn cross-section and its printed sheets, checked by the programs a user
+// opens them with: the SVG by a real XML parser (xmllint), the DXF by ezdxf, the PDF by poppler.
+// How the sheet is drawn is the drawing tests' business; here, that the options reach it, on real
+// files. The refusals of options that disagree are in HelpAndUsageTest.
 #include "ToolRunner.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
 
 namespace xktool {
 namespace {
+
+using nlohmann::json;
+
+const std::string kM621 = (kRealData / "m621-widening" / "M621_Widening.ags").string();
+const std::string kDlr =
+    (kRealData / "dlr-city-airport" / "DLR_City_Airport_Extension.ags").string();
+
+// `xklink section ARGS -o OUT`, which must succeed.
+RunResult Section(std::vector<std::string> args, const fs::path& out) {
+  args.insert(args.begin(), "section");
+  args.insert(args.end(), {"-o", out.string()});
+  const RunResult run = RunTool(args);
+  EXPECT_EQ(run.exitCode, 0) << run.Describe();
+  return run;
+}
+
+// The laid-out section that `xklink section ARGS -o section.json` writes.
+json SectionJson(const TempDir& dir, const std::vector<std::string>& args) {
+  return Section(args, dir / "section.json").exitCode == 0
+             ? json::parse(ReadFile(dir / "section.json"))
+             : json::object();
+}
+
+// The first two labels (of a section or of one of its sheets) whose boxes overlap, or "".
+std::string OverlappingLabels(const json& drawn) {
+  const json& labels = drawn.at("labels");
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    const auto a = labels[i].at("box").get<std::vector<double>>();
+    for (std::size_t j = i + 1; j < labels.size(); ++j) {
+      const auto b = labels[j].at("box").get<std::vector<double>>();
+      if (a[0] < b[2] && b[0] < a[2] && a[1] < b[3] && b[1] < a[3]) {
+        return labels[i].dump() + " and " + labels[j].dump();
+      }
+    }
+  }
+  return "";
+}
 
 // The text content of an SVG as a parser reads it, entities resolved.
 std::string SvgText(const fs::path& svg) {
@@ -26,142 +65,66 @@ double StatedExaggeration(const std::string& text) {
   return std::regex_search(text, match, stated) ? std::stod(match[1]) : std::nan("");
 }
 
-TEST(SectionCommandTest, SvgParsesAndStatesTitleHolesAndExaggeration) {
-  RequireProgram("xmllint", "libxml2-utils");
+TEST(SectionCommandTest, SvgParsesAndShowsTitleHolesLegendAndExaggeration) {
   TempDir dir;
   const fs::path svg = dir / "nle.svg";
   // Characters that must be escaped in XML, and one outside ASCII.
   const std::string title = "Section A\xE2\x80\x93"
                             "B & <north> \"NLE\"";
-  const RunResult run = RunTool({"section", kNle, "-o", svg.string(), "--title", title});
-  ASSERT_EQ(run.exitCode, 0) << run.Describe();
-  EXPECT_EQ(run.out, "");
+  // Labels of the user's own, which the file does not give.
+  const std::string legend = dir.Write("legend.csv", "code,colour,label\n"
+                                                     "LC,#123456,Blue Clay\n"
+                                                     "RTD,orange,Battersea Gravel\n");
+  EXPECT_EQ(Section({kNle, "--title", title, "--legend", legend}, svg).out, "");
   EXPECT_EQ(XmlLint(svg).exitCode, 0) << XmlLint(svg).Describe();
   const std::string text = SvgText(svg);
-  for (const std::string& shown : {title, std::string("BH01"), std::string("BH10")}) {
+  for (const std::string& shown :
+       std::vector<std::string>{title, "BH01", "BH10", "Blue Clay", "Battersea Gravel"}) {
     EXPECT_NE(text.find(shown), std::string::npos) << shown << "\n" << text.substr(0, 300);
   }
+  const std::string content = ReadFile(svg);
+  EXPECT_NE(content.find("#123456"), std::string::npos);
+  EXPECT_NE(content.find("#ffa500"), std::string::npos); // SVG's orange
   // Left to the tool, the exaggeration is still stated, and never below 1.
   EXPECT_GE(StatedExaggeration(text), 1.0);
   for (const double e : {1.0, 25.0}) {
-    const RunResult asked = RunTool({"section", kNle, "--holes", "BH01,BH02,BH03", "-o",
-                                     svg.string(), "--exaggeration", std::to_string(e)});
-    ASSERT_EQ(asked.exitCode, 0) << asked.Describe();
+    Section({kNle, "--holes", "BH01,BH02,BH03", "--exaggeration", std::to_string(e)}, svg);
     EXPECT_DOUBLE_EQ(StatedExaggeration(SvgText(svg)), e);
   }
 }
 
-// For each DXF file named: the number of entities on layer SECTION-LINES, how many of them are not
-// polylines of two vertices, the number of errors ezdxf's audit finds, then every text of the
-// drawing and a line "--" after it. One interpreter for all: ezdxf takes long to load.
+// ezdxf's reading of a DXF: its units, how many entities are dashed and the errors its audit finds
+// on one line, then every text of the drawing.
 const char* kReadDxf = R"(
 import sys, ezdxf
 sys.stdout.reconfigure(encoding="utf-8")
-for name in sys.argv[1:]:
-    doc = ezdxf.readfile(name)
-    msp = doc.modelspace()
-    lines = [e for e in msp if e.dxf.layer == "SECTION-LINES"]
-    odd = [e for e in lines if e.dxftype() not in ("POLYLINE", "LWPOLYLINE") or len(e) != 2]
-    print(len(lines), len(odd), len(doc.audit().errors))
-    for e in msp.query("TEXT"):
-        print(e.dxf.text)
-    for e in msp.query("MTEXT"):
-        print(e.text)
-    print("--")
+doc = ezdxf.readfile(sys.argv[1])
+msp = doc.modelspace()
+dashed = sum(e.dxf.linetype == "DASHED" for e in msp)
+print(doc.header["$INSUNITS"], dashed, len(doc.audit().errors))
+for e in msp.query("TEXT MTEXT"):
+    print(e.dxf.text if e.dxftype() == "TEXT" else e.text)
 )";
 
-TEST(SectionCommandTest, DxfHasOnePolylinePerSectionLine) {
-  // The system's python3 (python3-ezdxf) before one found on PATH, which may be a virtual
+TEST(SectionCommandTest, DxfReadsBackInMetresWithInferredGroundDashed) {
+  TempDir dir;
+  Section({kM621, "--exaggeration", "2.5"}, dir / "m621.dxf");
+  // The system's python3 (python3-ezdxf), not one found on PATH, which may be a virtual
   // environment without it.
-  std::string python;
-  for (const std::string candidate : {"/usr/bin/python3", "python3"}) {
-    if (python.empty() && RunProgram({candidate, "-c", "import ezdxf"}).exitCode == 0) {
-      python = candidate;
-    }
-  }
-  ASSERT_FALSE(python.empty()) << "no python3 with ezdxf: install python3-ezdxf (scripts/setup)";
-  TempDir dir;
-  // The overview's three lines are worked out in LinesCommandTest; for the NLE holes the count
-  // comes from `xklink lines`.
-  const RunResult nleLines = RunTool({"lines", kNle, "--holes", "BH10,BH08,BH07,BH06"});
-  ASSERT_EQ(nleLines.exitCode, 0) << nleLines.Describe();
-  std::size_t nleCount = 0;
-  for (const auto& pair : nlohmann::json::parse(nleLines.out)) {
-    nleCount += pair.at("lines").size();
-  }
-  const std::vector<std::pair<std::vector<std::string>, std::size_t>> cases = {
-      {{kOverview}, 3}, {{kNle, "--holes", "BH10,BH08,BH07,BH06"}, nleCount}};
-  std::vector<std::string> read{python, dir.Write("read_dxf.py", kReadDxf)};
-  for (std::size_t i = 0; i < cases.size(); ++i) {
-    std::vector<std::string> args{"section"};
-    args.insert(args.end(), cases[i].first.begin(), cases[i].first.end());
-    read.push_back((dir / ("section" + std::to_string(i) + ".dxf")).string());
-    args.insert(args.end(), {"-o", read.back(), "--exaggeration", "2.5"});
-    const RunResult run = RunTool(args);
-    ASSERT_EQ(run.exitCode, 0) << run.Describe();
-  }
-  const RunResult result = RunProgram(read);
-  ASSERT_EQ(result.exitCode, 0) << result.Describe();
-  std::istringstream out(result.out);
-  for (const auto& [input, lines] : cases) {
-    SCOPED_TRACE(input.back());
-    std::size_t polylines = 0, odd = 0, auditErrors = 0;
-    out >> polylines >> odd >> auditErrors;
-    EXPECT_GT(lines, 0u);
-    EXPECT_EQ(polylines, lines);
-    EXPECT_EQ(odd, 0u);
-    EXPECT_EQ(auditErrors, 0u);
-    std::string texts, line;
-    while (std::getline(out, line) && line != "--") {
-      texts += line + "\n";
-    }
-    EXPECT_DOUBLE_EQ(StatedExaggeration(texts), 2.5) << texts.substr(0, 500);
-  }
+  const RunResult read =
+      RunProgram({"/usr/bin/python3", "-c", kReadDxf, (dir / "m621.dxf").string()});
+  ASSERT_EQ(read.exitCode, 0) << read.Describe();
+  std::istringstream out(read.out);
+  int units = 0;
+  int dashed = 0;
+  int auditErrors = -1;
+  out >> units >> dashed >> auditErrors;
+  EXPECT_EQ(units, 6); // metres
+  EXPECT_GT(dashed, 0) << "the boundaries below the shallow pits are dashed";
+  EXPECT_EQ(auditErrors, 0);
+  EXPECT_DOUBLE_EQ(StatedExaggeration(read.out), 2.5) << read.out.substr(0, 500);
 }
 
-TEST(SectionCommandTest, LegendGivesColoursAndDescriptions) {
-  RequireProgram("xmllint", "libxml2-utils");
-  TempDir dir;
-  const std::string legend = dir.Write("legend.csv", "code,colour,label\n"
-                                                     "LC,#123456,London Clay\n"
-                                                     "RTD,orange,River Terrace Deposits\n");
-  const fs::path svg = dir / "legend.svg";
-  const RunResult run = RunTool({"section", kNle, "-o", svg.string(), "--legend", legend});
-  ASSERT_EQ(run.exitCode, 0) << run.Describe();
-  const std::string content = ReadFile(svg);
-  EXPECT_NE(content.find("#123456"), std::string::npos);
-  EXPECT_NE(content.find("#ffa500"), std::string::npos); // SVG's orange
-  const std::string text = SvgText(svg);
-  EXPECT_NE(text.find("London Clay"), std::string::npos);
-  EXPECT_NE(text.find("River Terrace Deposits"), std::string::npos);
-}
-
-// The laid-out section that `xklink section ARGS -o section.json` writes.
-nlohmann::json SectionJson(const TempDir& dir, std::vector<std::string> args) {
-  const fs::path out = dir / "section.json";
-  args.insert(args.begin(), "section");
-  args.insert(args.end(), {"-o", out.string()});
-  const RunResult run = RunTool(args);
-  EXPECT_EQ(run.exitCode, 0) << run.Describe();
-  return run.exitCode == 0 ? nlohmann::json::parse(ReadFile(out)) : nlohmann::json::object();
-}
-
-// The first two labels whose boxes overlap, or "".
-std::string OverlappingLabels(const nlohmann::json& section) {
-  const nlohmann::json& labels = section.at("labels");
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    const auto a = labels[i].at("box").get<std::vector<double>>();
-    for (std::size_t j = i + 1; j < labels.size(); ++j) {
-      const auto b = labels[j].at("box").get<std::vector<double>>();
-      if (a[0] < b[2] && b[0] < a[2] && a[1] < b[3] && b[1] < a[3]) {
-        return labels[i].dump() + " and " + labels[j].dump();
-      }
-    }
-  }
-  return "";
-}
-
-const std::string kM621 = (kRealData / "m621-widening" / "M621_Widening.ags").string();
 // The M621 route: west to east through BH01, BH06 and BH10 to BH12, then south to BH15 (the
 // collars of those holes in the file).
 const std::vector<std::pair<double, double>> kM621Route = {{427743.93, 431149.97},
@@ -170,34 +133,12 @@ const std::vector<std::pair<double, double>> kM621Route = {{427743.93, 431149.97
                                                            {430437.00, 431789.00},
                                                            {430442.00, 430718.00}};
 
-// The chainage of the foot of p on a polyline: the nearest point of each segment by the
-// parameter of the projection clamped to the segment, the nearest of those.
-double Chainage(const std::vector<std::pair<double, double>>& line, double e, double n) {
-  double best = 1e300;
-  double chainage = 0.0;
-  double start = 0.0;
-  for (std::size_t i = 0; i + 1 < line.size(); ++i) {
-    const auto [ae, an] = line[i];
-    const auto [be, bn] = line[i + 1];
-    const double length2 = (be - ae) * (be - ae) + (bn - an) * (bn - an);
-    const double t = std::clamp(((e - ae) * (be - ae) + (n - an) * (bn - an)) / length2, 0.0, 1.0);
-    const double d = std::hypot(e - (ae + t * (be - ae)), n - (an + t * (bn - an)));
-    if (d < best) {
-      best = d;
-      chainage = start + t * std::sqrt(length2);
-    }
-    start += std::sqrt(length2);
-  }
-  return chainage;
-}
-
 TEST(SectionCommandTest, M621AlongItsRouteKeepsRouteOrderAndEachHoleAtItsProjection) {
   TempDir dir;
   std::string line;
   std::string csv = "easting,northing\n";
-  nlohmann::json geojson = {
-      {"type", "Feature"},
-      {"geometry", {{"type", "LineString"}, {"coordinates", nlohmann::json::array()}}}};
+  json geojson = {{"type", "Feature"},
+                  {"geometry", {{"type", "LineString"}, {"coordinates", json::array()}}}};
   for (const auto& [e, n] : kM621Route) {
     line += (line.empty() ? "" : ",") + std::to_string(e) + "," + std::to_string(n);
     csv += std::to_string(e) + "," + std::to_string(n) + "\n";
@@ -214,39 +155,42 @@ TEST(SectionCommandTest, M621AlongItsRouteKeepsRouteOrderAndEachHoleAtItsProject
     SCOPED_TRACE(given[1]);
     std::vector<std::string> args{kM621, "--holes", holes};
     args.insert(args.end(), given.begin(), given.end());
-    const nlohmann::json section = SectionJson(dir, args);
+    const json section = SectionJson(dir, args);
     ASSERT_TRUE(section.contains("holes"));
+    // Each hole on a vertex of the route stands at the length of the route up to it.
     std::vector<std::string> names;
+    std::map<std::string, double> chainages;
     for (const auto& hole : section.at("holes")) {
       names.push_back(hole.at("name"));
-      EXPECT_NEAR(hole.at("chainage").get<double>(),
-                  Chainage(kM621Route, hole.at("easting"), hole.at("northing")), 1e-3)
-          << hole.at("name");
+      chainages[hole.at("name")] = hole.at("chainage");
     }
     EXPECT_EQ(names, route);
+    const std::array<std::string, 5> onVertices = {"BH01", "BH06", "BH10", "BH12", "BH15"};
+    double length = 0.0;
+    for (std::size_t k = 0; k < kM621Route.size(); ++k) {
+      if (k > 0) {
+        length += std::hypot(kM621Route[k].first - kM621Route[k - 1].first,
+                             kM621Route[k].second - kM621Route[k - 1].second);
+      }
+      EXPECT_NEAR(chainages[onVertices[k]], length, 1e-3) << onVertices[k];
+    }
     EXPECT_EQ(section.at("alignment").at("kind"), "given");
     EXPECT_EQ(OverlappingLabels(section), "");
   }
-  // A line file's fault is named with its line and field.
-  ExpectRefused(RunTool({"section", kM621, "--line-file", dir.Write("bad.csv", "e,n\n1,2\n3,x\n"),
-                         "-o", (dir / "x.json").string()}),
-                {"bad.csv:3", "field n"});
-  ExpectRefused(RunTool({"section", kM621, "--buffer", "10", "-o", (dir / "x.json").string()}),
-                {"--buffer"});
 }
 
 // Below the inspection pits between BH05 and BH06, and the window samples between BH04 and BH05,
 // the bedrock of the boreholes goes on: an inferred region of it lies somewhere below each pit.
 TEST(SectionCommandTest, BedrockContinuesBeneathTheShallowHolesOfM621) {
   TempDir dir;
-  const nlohmann::json section =
+  const json section =
       SectionJson(dir, {kM621, "--holes",
                         "BH04,DS01,DS02,DS03,DS04C,DS05A,DS06,BH05,IP01,IP02,IP03,IP04,IP05,IP06,"
                         "BH06"});
   ASSERT_TRUE(section.contains("holes"));
   const std::string bedrock = section.at("holes")[0].at("strata").back().at("code");
   EXPECT_EQ(bedrock, "Pennine Lower Coal Measures Formation");
-  const auto inside = [](const nlohmann::json& polygon, double s, double z) {
+  const auto inside = [](const json& polygon, double s, double z) {
     bool in = false; // even-odd rule
     for (std::size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
       const double si = polygon[i][0], zi = polygon[i][1], sj = polygon[j][0], zj = polygon[j][1];
@@ -277,6 +221,92 @@ TEST(SectionCommandTest, BedrockContinuesBeneathTheShallowHolesOfM621) {
   }
   EXPECT_EQ(shallow, 12u);
   EXPECT_EQ(OverlappingLabels(section), "");
+}
+
+TEST(SectionCommandTest, DlrOnA3SheetsAreThePdfPagesWithChainageRunningOn) {
+  TempDir dir;
+  const RunResult run = Section({kDlr, "--sheet", "A3"}, dir / "s.json");
+  const json section = json::parse(ReadFile(dir / "s.json"));
+  const json& sheets = section.at("print").at("sheets");
+  const std::size_t n = sheets.size();
+  ASSERT_GE(n, 2u);
+  EXPECT_NE(run.err.find(std::to_string(n) + " A3 sheets"), std::string::npos) << run.err;
+  for (std::size_t k = 0; k < n; ++k) {
+    if (k + 1 < n) {
+      EXPECT_DOUBLE_EQ(sheets[k].at("to").get<double>(), sheets[k + 1].at("from").get<double>());
+    }
+    // No text of a sheet (plot, legend, key plan, title block) over another.
+    EXPECT_EQ(OverlappingLabels(sheets[k]), "") << "sheet " << k + 1;
+  }
+  for (const auto& hole : section.at("holes")) {
+    EXPECT_GE(hole.at("chainage").get<double>(), sheets.front().at("from").get<double>());
+    EXPECT_LE(hole.at("chainage").get<double>(), sheets.back().at("to").get<double>());
+  }
+  // One rendered page per sheet, and each page's title block numbers it.
+  const std::string pdf = (dir / "s.pdf").string();
+  Section({kDlr, "--sheet", "A3"}, pdf);
+  ASSERT_EQ(RunProgram({"pdftoppm", "-r", "10", "-png", pdf, (dir / "page").string()}).exitCode, 0);
+  const std::vector<std::string> entries = dir.Entries();
+  EXPECT_EQ(std::count_if(entries.begin(), entries.end(),
+                          [](const std::string& name) { return name.rfind("page-", 0) == 0; }),
+            static_cast<std::ptrdiff_t>(n));
+  const std::string text = RunProgram({"pdftotext", pdf, "-"}).out;
+  for (std::size_t k = 1; k <= n; ++k) {
+    const std::string label = "Sheet " + std::to_string(k) + " of " + std::to_string(n);
+    EXPECT_NE(text.find(label), std::string::npos) << label;
+  }
+}
+
+// The width and height in a PNG's header (IHDR, the first chunk, is fixed at bytes 16-23).
+std::pair<unsigned, unsigned> PngSize(const std::string& png) {
+  EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1a\n");
+  const auto byte = [&](std::size_t at) {
+    return unsigned{static_cast<unsigned char>(png.at(at))};
+  };
+  return {byte(18) << 8 | byte(19), byte(22) << 8 | byte(23)}; // below 65536 pixels: two bytes
+}
+
+TEST(SectionCommandTest, PngIsThePaperAtItsDpiOneFilePerSheet) {
+  const std::vector<std::pair<std::vector<std::string>, std::pair<unsigned, unsigned>>> cases = {
+      {{kNle, "--sheet", "A3"}, {2480, 1754}},                // 420 x 297 mm at 150 dpi
+      {{kNle, "--sheet", "a4", "--dpi", "100"}, {1169, 827}}, // 297 x 210 mm at 100 dpi
+      {{kDlr, "--sheet", "A4", "--scale", "1:5000", "--dpi", "30"}, {351, 248}},
+  };
+  for (const auto& [args, pixels] : cases) {
+    TempDir dir;
+    const RunResult run = Section(args, dir / "x.png");
+    // One sheet is x.png; n sheets, as the tool reports them, are x-1.png ... x-n.png.
+    const std::size_t n = std::stoul(run.err.substr(run.err.rfind("xklink: ") + 8));
+    std::vector<std::string> files;
+    for (std::size_t k = 1; k <= n; ++k) {
+      files.push_back(n == 1 ? "x.png" : "x-" + std::to_string(k) + ".png");
+    }
+    std::sort(files.begin(), files.end());
+    EXPECT_EQ(dir.Entries(), files);
+    for (const std::string& file : dir.Entries()) {
+      EXPECT_EQ(PngSize(ReadFile(dir / file)), pixels) << file;
+    }
+  }
+}
+
+TEST(SectionCommandTest, ChainageTicksStandAtTheScale) {
+  TempDir dir;
+  Section({kNle, "--sheet", "A3", "--scale", "1:500", "--vscale", "1:200"}, dir / "x.svg");
+  const std::string svg = ReadFile(dir / "x-2.svg"); // of 17
+  EXPECT_NE(svg.find("width=\"420mm\" height=\"297mm\""), std::string::npos);
+  // The distance labels under the plot: x and the chainage it reads.
+  const std::regex tick(R"re(<text x="([0-9.]+)" y="([0-9.]+)" font-size="11" )re"
+                        R"re(text-anchor="middle" fill="#1a1a1a">(-?[0-9]+)</text>)re");
+  std::vector<std::pair<double, double>> ticks;
+  for (std::sregex_iterator it(svg.begin(), svg.end(), tick), end; it != end; ++it) {
+    ticks.emplace_back(std::stod((*it)[3]), std::stod((*it)[1]));
+  }
+  ASSERT_GE(ticks.size(), 3u);
+  const double unitsPerMetre = 1000.0 / 500.0 * 96.0 / 25.4; // 2 mm of paper per metre
+  for (std::size_t i = 1; i < ticks.size(); ++i) {
+    EXPECT_NEAR((ticks[i].second - ticks[0].second) / (ticks[i].first - ticks[0].first),
+                unitsPerMetre, 0.01);
+  }
 }
 
 } // namespace
