@@ -6,115 +6,122 @@
 #include <array>
 #include <chrono>
 #include <future>
+#include <sys/stat.h>
 #include <thread>
 
 namespace xktool {
 namespace {
 
-const std::string kNoStrata = R"({"boreholes": [
+// Every refusal exits with status 2 and a message naming the output or the fault, and leaves
+// every file as it was: the previous output, the inputs, and no temporary file beside them.
+TEST(OutputSafetyTest, RefusedRunsLeaveEveryFileAsItWas) {
+  TempDir dir;
+  const std::string bad = dir.Write("bad.json", R"({"boreholes": [
   {"name": "BH1", "x": 0, "y": 0, "top": 100, "strata": [{"code": "A", "top": 100, "bottom": 90}]},
   {"name": "BH2", "x": 50, "y": 0, "top": 100, "strata": []}
-]})";
-
-TEST(OutputSafetyTest, FailedRunLeavesTheExistingFileIntact) {
-  TempDir dir;
-  const std::string bad = dir.Write("bad.json", kNoStrata);
+]})");
   const std::string svg = dir.Write("out.svg", "previous drawing\n");
   const std::string json = dir.Write("out.json", "previous lines\n");
-  const std::vector<std::vector<std::string>> runs = {
-      {"section", bad, "-o", svg},
-      {"section", kOverview, "--holes", "BH1,BH7", "-o", svg},
-      {"section", kOverview, "--legend", (dir / "no-legend.csv").string(), "-o", svg},
-      {"lines", bad, "-o", json}};
-  for (const auto& args : runs) {
-    SCOPED_TRACE(::testing::PrintToString(args));
-    ExpectRefused(RunTool(args), {});
-  }
-  EXPECT_EQ(ReadFile(svg), "previous drawing\n");
-  EXPECT_EQ(ReadFile(json), "previous lines\n");
-  EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"bad.json", "out.json", "out.svg"}));
-}
-
-TEST(OutputSafetyTest, SuccessfulRunReplacesTheWholeFileKeepingItsPermissions) {
-  TempDir dir;
-  // Longer than the new content: nothing of it may remain at the end.
-  const std::string out = dir.Write("lines.json", std::string(20000, 'x'));
-  fs::permissions(out, static_cast<fs::perms>(0640));
-  // A name as long as a directory takes (255 bytes): the temporary file beside it must fit too.
-  const std::string longName = (dir / (std::string(250, 'n') + ".json")).string();
-  const mode_t previous = ::umask(022);
-  const RunResult run = RunTool({"lines", kOverview, "-o", out});
-  const RunResult created = RunTool({"lines", kOverview, "-o", longName});
-  ::umask(previous);
-  ASSERT_EQ(run.exitCode, 0) << run.Describe();
-  ASSERT_EQ(created.exitCode, 0) << created.Describe();
-  EXPECT_EQ(run.out, "");
-  EXPECT_EQ(ReadFile(out), RunTool({"lines", kOverview}).out);
-  EXPECT_EQ(ReadFile(longName), ReadFile(out));
-  // The file replaced keeps its mode; a new one is an ordinary file for others to read, not the
-  // owner-only mode of a temporary file.
-  EXPECT_EQ(fs::status(out).permissions(), static_cast<fs::perms>(0640));
-  EXPECT_EQ(fs::status(longName).permissions(), static_cast<fs::perms>(0644));
-  EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"lines.json", fs::path(longName).filename()}));
-}
-
-// Outputs where replacing a file would lose data, or where a write fails: the run stops with exit
-// status 2 and a message naming the output, and every input is as it was.
-TEST(OutputSafetyTest, OutputsThatWouldLoseDataAreRefused) {
-  TempDir dir;
   const std::string input = dir.Write("holes.json", ReadFile(kOverview));
-  fs::create_symlink(input, dir / "link.json");
   const std::string link = (dir / "link.json").string();
+  fs::create_symlink(input, link);
   const std::string drawingNamed = dir.Write("holes.svg", ReadFile(kOverview));
   const std::string intervals =
       dir.Write("intervals.csv", "HOLEID,FROM,TO,CODE\nA,0,5,S\nA,5,9,C\nB,0,4,S\nB,4,8,C\n");
   const std::string collars = dir.Write("collars.csv", "HOLEID,X,Y,Z\nA,0,0,10\nB,30,0,11\n");
+  const std::string missing = (dir / "missing" / "out.svg").string();
+  const std::string inAFile = dir.Write("plain-file", "not a directory\n") + "/out.svg";
+  const std::string taken = (dir / "taken.json").string(); // a directory
+  fs::create_directory(taken);
+  std::vector<std::string> entries = {"bad.json",      "collars.csv", "holes.json", "holes.svg",
+                                      "intervals.csv", "link.json",   "out.json",   "out.svg",
+                                      "plain-file",    "taken.json"};
+  // Permissions do not stop root; /proc takes no new files from anyone.
+  fs::path unwritable = "/proc/xklink-tool-test.svg";
+  if (::geteuid() != 0) {
+    fs::create_directory(dir / "read-only");
+    fs::permissions(dir / "read-only", static_cast<fs::perms>(0555));
+    unwritable = dir / "read-only" / "section.svg";
+    entries.push_back("read-only");
+    std::sort(entries.begin(), entries.end());
+  }
   const std::string tool = kTool;
   const struct {
     std::vector<std::string> argv;
-    std::string fragment;
+    std::vector<std::string> fragments;
   } cases[] = {
-      {{tool, "lines", input, "-o", input}, "is the input file"},
-      {{tool, "regions", input, "-o", link}, "is the input file"},
-      {{tool, "lines", link, "-o", input}, "is the input file"},
-      {{tool, "lines", intervals, "--collars", collars, "-o", collars}, "is the input file"},
+      {{tool, "section", bad, "-o", svg}, {"at least two holes"}},
+      {{tool, "section", kOverview, "--holes", "BH1,BH7", "-o", svg}, {"BH7"}},
+      {{tool, "section", kOverview, "--legend", (dir / "none.csv").string(), "-o", svg},
+       {"none.csv"}},
+      {{tool, "lines", bad, "-o", json}, {"at least two holes"}},
+      {{tool, "lines", input, "-o", input}, {"is the input file"}},
+      {{tool, "regions", input, "-o", link}, {"is the input file"}},
+      {{tool, "lines", link, "-o", input}, {"is the input file"}},
+      {{tool, "lines", intervals, "--collars", collars, "-o", collars}, {"is the input file"}},
       {{tool, "section", drawingNamed, "--input-format", "json", "-o", drawingNamed},
-       "is the input file"},
+       {"is the input file"}},
+      {{tool, "section", kOverview, "-o", missing}, {missing, "does not exist"}},
+      {{tool, "section", kOverview, "-o", inAFile}, {inAFile, "does not exist"}},
+      // The rename onto a directory fails, and the temporary file goes.
+      {{tool, "lines", kOverview, "-o", taken}, {taken}},
+      {{tool, "section", kOverview, "-o", unwritable}, {unwritable, "cannot create"}},
+      {{tool, "lines", kOverview, "-o", unwritable}, {unwritable, "cannot create"}},
       {{"sh", "-c", "exec \"$0\" lines \"$1\" >/dev/full", tool, input},
-       "standard output: cannot write: No space left on device"},
-      {{"sh", "-c", "exec \"$0\" lines \"$1\" >&-", tool, input}, "standard output: cannot write"},
+       {"standard output: cannot write: No space left on device"}},
+      {{"sh", "-c", "exec \"$0\" lines \"$1\" >&-", tool, input},
+       {"standard output: cannot write"}},
       {{"sh", "-c", "exec \"$0\" check \"$1\" >/dev/full", tool, input},
-       "standard output: cannot write"},
+       {"standard output: cannot write"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(::testing::PrintToString(c.argv));
-    ExpectRefused(RunProgram(c.argv), {c.fragment});
+    ExpectRefused(RunProgram(c.argv), c.fragments);
   }
+  EXPECT_EQ(ReadFile(svg), "previous drawing\n");
+  EXPECT_EQ(ReadFile(json), "previous lines\n");
   EXPECT_EQ(ReadFile(input), ReadFile(kOverview));
   EXPECT_EQ(ReadFile(drawingNamed), ReadFile(kOverview));
   EXPECT_EQ(ReadFile(collars), "HOLEID,X,Y,Z\nA,0,0,10\nB,30,0,11\n");
   EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_TRUE(fs::is_empty(taken));
+  EXPECT_FALSE(fs::exists(unwritable));
+  EXPECT_EQ(dir.Entries(), entries);
 }
 
-// Devices and FIFOs are written into, never replaced by a regular file; through a symbolic link the
-// file it points to is replaced and the link stays.
-TEST(OutputSafetyTest, SpecialFilesAreWrittenIntoAndLinksFollowed) {
+// A regular file is replaced as a whole, keeping its mode; through a symbolic link the file it
+// points to is replaced and the link stays. Devices and FIFOs are written into, never replaced by
+// a regular file, and a name for the standard output the tool was given writes to it.
+TEST(OutputSafetyTest, SuccessfulRunsWriteWholeFilesThroughLinksAndIntoSpecialFiles) {
   TempDir dir;
   TempDir elsewhere;
   const std::string expected = RunTool({"lines", kOverview}).out;
+  // Longer than the new content: nothing of it may remain at the end.
+  const std::string replaced = dir.Write("lines.json", std::string(20000, 'x'));
+  fs::permissions(replaced, static_cast<fs::perms>(0640));
+  // A name as long as a directory takes (255 bytes): the temporary file beside it must fit too.
+  const std::string created = (dir / (std::string(250, 'n') + ".json")).string();
   ASSERT_EQ(::mkfifo((dir / "pipe").c_str(), 0600), 0);
   fs::create_symlink(elsewhere / "target.json", dir / "dangling.json");
-  WriteFile(elsewhere / "old.json", "old lines\n");
-  fs::create_symlink(elsewhere / "old.json", dir / "existing.json");
+  fs::create_symlink(elsewhere.Write("old.json", "old lines\n"), dir / "existing.json");
   // What the reader of the FIFO receives.
   auto piped = std::async(std::launch::async, [&] { return ReadFile(dir / "pipe"); });
-  for (const std::string& out : std::vector<std::string>{"/dev/null", (dir / "pipe").string(),
-                                                         (dir / "dangling.json").string(),
-                                                         (dir / "existing.json").string()}) {
+  const mode_t previous = ::umask(022);
+  for (const std::string& out :
+       {replaced, created, std::string("/dev/null"), (dir / "pipe").string(),
+        (dir / "dangling.json").string(), (dir / "existing.json").string()}) {
     SCOPED_TRACE(out);
     const RunResult run = RunTool({"lines", kOverview, "-o", out});
     EXPECT_EQ(run.exitCode, 0) << run.Describe();
+    EXPECT_EQ(run.out, "");
   }
+  ::umask(previous);
+  EXPECT_EQ(ReadFile(replaced), expected);
+  EXPECT_EQ(ReadFile(created), expected);
+  // The file replaced keeps its mode; a new one is an ordinary file for others to read, not the
+  // owner-only mode of a temporary file.
+  EXPECT_EQ(fs::status(replaced).permissions(), static_cast<fs::perms>(0640));
+  EXPECT_EQ(fs::status(created).permissions(), static_cast<fs::perms>(0644));
   EXPECT_EQ(piped.get(), expected);
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
   EXPECT_TRUE(fs::is_fifo(dir / "pipe"));
@@ -123,44 +130,11 @@ TEST(OutputSafetyTest, SpecialFilesAreWrittenIntoAndLinksFollowed) {
   EXPECT_EQ(ReadFile(elsewhere / "target.json"), expected);
   EXPECT_EQ(ReadFile(elsewhere / "old.json"), expected);
   EXPECT_EQ(elsewhere.Entries(), (std::vector<std::string>{"old.json", "target.json"}));
-  // A name for the standard output the tool was given writes to it.
+  EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"dangling.json", "existing.json", "lines.json",
+                                                     fs::path(created).filename(), "pipe"}));
   const RunResult stream = RunTool({"lines", kOverview, "-o", "/dev/stdout"});
   EXPECT_EQ(stream.exitCode, 0) << stream.Describe();
   EXPECT_EQ(stream.out, expected);
-}
-
-TEST(OutputSafetyTest, MissingDirectoryOrADirectoryInTheWayIsNamed) {
-  TempDir dir;
-  const std::string notADirectory = dir.Write("plain-file", "not a directory\n");
-  for (const fs::path& target :
-       {dir / "missing" / "out.svg", fs::path(notADirectory) / "out.svg"}) {
-    ExpectRefused(RunTool({"section", kOverview, "-o", target.string()}),
-                  {target.string(), "does not exist"});
-  }
-  // An output path that is a directory: the rename fails, and the temporary file goes.
-  fs::create_directory(dir / "taken.json");
-  ExpectRefused(RunTool({"lines", kOverview, "-o", (dir / "taken.json").string()}),
-                {(dir / "taken.json").string()});
-  EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"plain-file", "taken.json"}));
-  EXPECT_TRUE(fs::is_empty(dir / "taken.json"));
-}
-
-TEST(OutputSafetyTest, UnwritableOutputDirectoryIsNamed) {
-  TempDir dir;
-  fs::path target;
-  if (::geteuid() != 0) {
-    fs::create_directory(dir / "read-only");
-    fs::permissions(dir / "read-only", static_cast<fs::perms>(0555));
-    target = dir / "read-only" / "section.svg";
-  } else {
-    // Permissions do not stop root; /proc takes no new files from anyone.
-    target = "/proc/xklink-tool-test.svg";
-  }
-  for (const std::string command : {"section", "lines"}) {
-    ExpectRefused(RunTool({command, kOverview, "-o", target.string()}),
-                  {target.string(), "cannot create"});
-    EXPECT_FALSE(fs::exists(target));
-  }
 }
 
 // `holes` holes of `strata` thin strata each, six codes cycling with offsets so that every pair has
@@ -185,7 +159,6 @@ std::string LargeInput(int holes, int strata) {
 }
 
 TEST(OutputSafetyTest, InterruptedRunLeavesTheOldFileOrACompleteNewOne) {
-  RequireProgram("xmllint", "libxml2-utils");
   TempDir dir;
   const std::string input = dir.Write("big.json", LargeInput(24, 150));
   const fs::path out = dir / "section.svg";
