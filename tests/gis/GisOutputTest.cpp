@@ -60,31 +60,15 @@ double MetresBetween(const Geographic& a, const Geographic& b) {
 
 // Two holes 50 m apart, BH1 at (e, n), with the grid named in LOCA_GREF (no column when empty).
 std::string TwoHoles(double e, double n, const std::string& grid) {
-  const std::string gridHeading = grid.empty() ? "" : R"(,"LOCA_GREF")";
-  const std::string gridUnit = grid.empty() ? "" : R"(,"")";
-  const std::string gridType = grid.empty() ? "" : R"(,"PA")";
-  const std::string gridValue = grid.empty() ? "" : ",\"" + grid + "\"";
-  const auto number = [](double v) { return std::to_string(v); };
-  return "\"GROUP\",\"LOCA\"\n"
-         "\"HEADING\",\"LOCA_ID\",\"LOCA_NATE\",\"LOCA_NATN\",\"LOCA_GL\"" +
-         gridHeading +
-         "\n"
-         "\"UNIT\",\"\",\"m\",\"m\",\"m\"" +
-         gridUnit +
-         "\n"
-         "\"TYPE\",\"ID\",\"2DP\",\"2DP\",\"2DP\"" +
-         gridType +
-         "\n"
-         "\"DATA\",\"BH1\",\"" +
-         number(e) + "\",\"" + number(n) + "\",\"10.00\"" + gridValue +
-         "\n"
-         "\"DATA\",\"BH2\",\"" +
-         number(e + 50) + "\",\"" + number(n) + "\",\"11.00\"" + gridValue +
-         "\n"
-         "\n\"GROUP\",\"GEOL\"\n"
+  const auto loca = [&](const std::string& name, double east, const std::string& level) {
+    return "\"DATA\",\"" + name + "\",\"" + std::to_string(east) + "\",\"" + std::to_string(n) +
+           "\",\"" + level + "\"" + (grid.empty() ? "" : ",\"" + grid + "\"") + "\n";
+  };
+  return "\"GROUP\",\"LOCA\"\n\"HEADING\",\"LOCA_ID\",\"LOCA_NATE\",\"LOCA_NATN\",\"LOCA_GL\"" +
+         std::string(grid.empty() ? "" : ",\"LOCA_GREF\"") + "\n" + loca("BH1", e, "10.00") +
+         loca("BH2", e + 50, "11.00") +
+         "\"GROUP\",\"GEOL\"\n"
          "\"HEADING\",\"LOCA_ID\",\"GEOL_TOP\",\"GEOL_BASE\",\"GEOL_GEOL\"\n"
-         "\"UNIT\",\"\",\"m\",\"m\",\"\"\n"
-         "\"TYPE\",\"ID\",\"2DP\",\"2DP\",\"PA\"\n"
          "\"DATA\",\"BH1\",\"0.00\",\"2.00\",\"CLAY\"\n"
          "\"DATA\",\"BH1\",\"2.00\",\"5.00\",\"SAND\"\n"
          "\"DATA\",\"BH2\",\"0.00\",\"3.00\",\"CLAY\"\n"
@@ -144,9 +128,9 @@ TEST(GisOutputTest, AGridIsNeverGuessed) {
   ExpectRefused(RunTool({"lines", none, "--format", "geojson"}), {"none.ags", "--crs EPSG:"});
   ExpectRefused(RunTool({"lines", none, "-o", (dir / "x.gpkg").string()}), {"--crs"});
   ExpectRefused(RunTool({"lines", local, "--format", "geojson"}),
-                {"local.ags:5: field LOCA_GREF", "'Site grid'", "--crs"});
+                {"local.ags:3: field LOCA_GREF", "'Site grid'", "--crs"});
   ExpectRefused(RunTool({"lines", two, "--format", "geojson"}),
-                {"two.ags:6: field LOCA_GREF", "'OSGB'", "'ITM'"});
+                {"two.ags:4: field LOCA_GREF", "'OSGB'", "'ITM'"});
   ExpectRefused(RunTool({"lines", none, "--format", "geojson", "--crs", "EPSG:99999"}),
                 {"--crs: EPSG:99999"});
   EXPECT_EQ(dir.Entries(), (std::vector<std::string>{"local.ags", "none.ags", "two.ags"}));

@@ -1,9 +1,11 @@
 // AGS files made by hand, each edit hitting one rule of the format: AGS4 ("GROUP"/"HEADING"/"DATA"
 // lines, groups given twice) and AGS 3.1 ("**" groups, <UNITS> and <CONT> rows); codes and their
 // fall-backs; rows the reader leaves out. Lines that wrap and <CONT> rows that alone carry the code
-// are shown by the real files (RealFilesTest: NLE, C6034), quoting by the tokenizer's tests.
+// are shown by the real files (RealFilesTest: NLE, C6034), quoting by the tokenizer's tests. Then
+// what the tool draws beside the logs: water strikes, standing levels and SPT results.
 #include "AgsReader.h"
 
+#include "AgsInSitu.h"
 #include "IoTestSupport.h"
 #include "Validation.h"
 
@@ -13,18 +15,12 @@ namespace xklink {
 namespace {
 
 using testing::Edit;
+using testing::ErrorOf;
 using testing::Messages;
-using testing::ParseErrorOf;
 using testing::Summary;
 
-// LOCA rows on lines 11-12, GEOL rows on lines 18-21.
-const std::string kSite = R"("GROUP","PROJ"
-"HEADING","PROJ_ID","PROJ_NAME"
-"UNIT","",""
-"TYPE","ID","X"
-"DATA","P1","Test site, north"
-
-"GROUP","LOCA"
+// LOCA rows on lines 5-6, GEOL rows on lines 12-15.
+const std::string kSite = R"("GROUP","LOCA"
 "HEADING","LOCA_ID","LOCA_TYPE","LOCA_NATE","LOCA_NATN","LOCA_GL","LOCA_FDEP"
 "UNIT","","","m","m","m","m"
 "TYPE","ID","PA","2DP","2DP","2DP","2DP"
@@ -41,17 +37,13 @@ const std::string kSite = R"("GROUP","PROJ"
 "DATA","BH2","2.00","6.00","Dense GRAVEL","501","RTD",""
 )";
 const std::vector<std::string> kSiteHoles = {
-    "BH1 @1000,2000 top 10: ALV 10..8.5@18 RTD 8.5..5@19",
-    "BH2 @1100,2000 top 12.5: MG 12.5..10.5@20 RTD 10.5..6.5@21"};
+    "BH1 @1000,2000 top 10: ALV 10..8.5@12 RTD 8.5..5@13",
+    "BH2 @1100,2000 top 12.5: MG 12.5..10.5@14 RTD 10.5..6.5@15"};
 const std::string kBh2Loca = R"("DATA","BH2","CP","1100.00","2000.00","12.50","6.00")";
 
-// HOLE rows on lines 10-11; GEOL rows on lines 16-21, <CONT> rows on lines 18 and 21.
-const std::string kSite3 = R"ags("**PROJ"
-"*PROJ_ID","*PROJ_NAME"
-"<UNITS>","",""
-"P1","Test"
-
-"**HOLE"
+// HOLE rows on lines 5-6; GEOL rows on lines 11-16, <CONT> rows on lines 13 and 16: the second
+// continues the codes of its row.
+const std::string kSite3 = R"ags("**HOLE"
 "*HOLE_ID","*HOLE_TYPE","*HOLE_NATE","*HOLE_NATN",
 "*HOLE_GL","*HOLE_FDEP","*?HOLE_STAT"
 "<UNITS>","","m","m","m","m",""
@@ -67,14 +59,10 @@ const std::string kSite3 = R"ags("**PROJ"
 "BH1","2.4","40","Stiff CLAY","201","LC","C"
 "BH2","0","3","Very stiff, greyish brown CLAY with occasional lig","2","L","C"
 "<CONT>","","","nite (LONDON CLAY)","01","C",""
-
-"**?BKFL"
-"*HOLE_ID","*?BKFL_TOP"
-"BH1","0"
 )ags";
 const std::vector<std::string> kSite3Holes = {
-    "BH1 @500.5,100 top 4.08: TOP 4.08..4.01@16 MG 4.01..1.68@17 LC 1.68..-35.92@19",
-    "BH2 @600,100 top 1.66: LC 1.66..-1.34@20"};
+    "BH1 @500.5,100 top 4.08: TOP 4.08..4.01@11 MG 4.01..1.68@12 LC 1.68..-35.92@14",
+    "BH2 @600,100 top 1.66: LC 1.66..-1.34@15"};
 
 BoreholeSet Read(const std::string& text, const ReadOptions& options = {}) {
   return ReadAgsBoreholes(text, "site.ags", options);
@@ -99,7 +87,7 @@ TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
   expectRead(kSite3, kSite3Holes);
   const auto set = Read(kSite);
   EXPECT_EQ(set.holes[1].where.ToString() + ", " + set.holes[1].strata[1].where.ToString(),
-            "site.ags:12: field LOCA_ID, site.ags:21: field GEOL_GEOL");
+            "site.ags:6: field LOCA_ID, site.ags:15: field GEOL_GEOL");
   EXPECT_EQ(set.fields.holeTop + " " + set.fields.stratumBottom + " " + Read(kSite3).fields.holeTop,
             "LOCA_GL GEOL_BASE HOLE_GL");
   // 4.08 - 2.4 is the elevation 1.68 as written, not the double next to it.
@@ -114,8 +102,8 @@ TEST(AgsReaderTest, AGroupGivenAgainAddsItsRowsMatchedByHeading) {
                         "\"DATA\",\"12.50\",\"2000.00\",\"BH2\",\"1100.00\"\n");
   EXPECT_EQ(Summary(set), kSiteHoles);
   EXPECT_EQ(Messages(set.diagnostics),
-            std::vector<std::string>{"site.ags:23: warning: field LOCA: group LOCA appears again "
-                                     "(first at line 7); its rows are read with those of the "
+            std::vector<std::string>{"site.ags:17: warning: field LOCA: group LOCA appears again "
+                                     "(first at line 1); its rows are read with those of the "
                                      "first, matched by heading"});
 }
 
@@ -124,29 +112,18 @@ TEST(AgsReaderTest, BytesOutsideUtf8AreReadAsWindows1252WithAWarning) {
   EXPECT_EQ(set.holes[0].strata[0].dc.strName, L"Argila \u00E1");
   EXPECT_EQ(Messages(set.diagnostics),
             std::vector<std::string>{
-                "site.ags:18: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"});
+                "site.ags:12: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"});
 }
 
 TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
-  std::string legendOnly = kSite; // as in files that fill only the legend code
-  for (const auto& code : {"ALV", "RTD", "MG", "RTD"}) {
-    legendOnly = Edit(legendOnly, std::string("\",\"") + code + "\",\"\"", "\",\"-\",\"\"");
-  }
-  std::string none = legendOnly;
-  for (const auto& row :
-       {R"("201","-","")", R"("501","-","")", R"("102","-","")", R"("501","-","")"}) {
-    none = Edit(none, row, R"("","","")");
-  }
-  const std::string fellBack = "site.ags:15: warning: field GEOL_LEG: GEOL_GEOL is empty on most "
-                               "rows of 1 hole (BH2): their codes are read from GEOL_LEG";
+  // Only legend codes are shown by the real files (RealFilesTest: DLR Woolwich).
+  const std::string none = Edit(kSite, R"("GEOL_LEG","GEOL_GEOL","GEOL_GEO2")", R"("L","G","G2")");
   const struct {
     std::string text;
     ReadOptions options;
     std::vector<std::string> codes; // of BH1 and BH2, ';' after each
     std::vector<std::string> messages;
   } cases[] = {
-      {kSite, {}, {"ALV;RTD;", "MG;RTD;"}, {}},
-      {legendOnly, {}, {"201;501;", "102;501;"}, {}},
       {kSite, CodeColumn("geol_leg"), {"201;501;", "102;501;"}, {}},
       // BH2 logged without geological units: its legend codes, said once for the file.
       {Edit(Edit(kSite, R"("102","MG")", R"("102","?")"),
@@ -154,16 +131,17 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
             R"("2.00","6.00","Dense GRAVEL","501","")"),
        {},
        {"ALV;RTD;", "102;501;"},
-       {fellBack}},
+       {"site.ags:9: warning: field GEOL_LEG: GEOL_GEOL is empty on most rows of 1 hole (BH2): "
+        "their codes are read from GEOL_LEG"}},
       // The user's column holds for every hole, empty or not.
       {Edit(kSite, R"("102","MG")", R"("102","-")"),
        CodeColumn("GEOL_GEOL"),
        {"ALV;RTD;", ";RTD;"},
-       {"site.ags:20: warning: field GEOL_GEOL: no code: the stratum gets an empty code"}},
+       {"site.ags:14: warning: field GEOL_GEOL: no code: the stratum gets an empty code"}},
       {none,
        {},
        {"CLAY;GRAVEL;", "MADE GROUND;GRAVEL;"},
-       {"site.ags:15: warning: field GEOL_DESC: no code column (GEOL_GEOL, GEOL_LEG, GEOL_GEO2) "
+       {"site.ags:9: warning: field GEOL_DESC: no code column (GEOL_GEOL, GEOL_LEG, GEOL_GEO2) "
         "is filled: the strata are named by the soil or rock in capitals of GEOL_DESC ('Firm "
         "brown sandy CLAY' gives CLAY)"}},
   };
@@ -179,20 +157,26 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
     EXPECT_EQ(codes, c.codes) << c.text;
     EXPECT_EQ(Messages(set.diagnostics), c.messages) << c.text;
   }
-  EXPECT_EQ(ParseErrorOf([&] {
+  EXPECT_EQ(ErrorOf([&] {
               Read(Edit(Edit(Edit(Edit(none, "sandy\"\" CLAY", "sandy\"\" clay"), "Dense GRAVEL",
                                   "gravel"),
                              "MADE GROUND", "fill"),
                         "Dense GRAVEL", "gravel"));
             }),
-            "site.ags:15: field GEOL_GEOL: no stratum codes: GEOL_GEOL, GEOL_LEG and GEOL_GEO2 are "
+            "site.ags:9: field GEOL_GEOL: no stratum codes: GEOL_GEOL, GEOL_LEG and GEOL_GEO2 are "
             "missing or empty in every row, and no GEOL_DESC names a soil in capitals; name the "
             "column that holds the codes");
-  EXPECT_EQ(ParseErrorOf([] { Read(kSite, CodeColumn("GEOL_BGS")); }),
-            "site.ags:15: field GEOL_BGS: group GEOL has no heading GEOL_BGS");
+  EXPECT_EQ(ErrorOf([] { Read(kSite, CodeColumn("GEOL_BGS")); }),
+            "site.ags:9: field GEOL_BGS: group GEOL has no heading GEOL_BGS");
 }
 
+// A hole whose position is empty is shown by the real files (RealFilesTest: C6034).
 TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
+  const std::string noMore = "site.ags:6: warning: field LOCA_FDEP: the geology of hole 'BH2' ends "
+                             "at depth 2.00 but the hole goes down to 6.00: the section shows "
+                             "nothing below the last logged stratum";
+  const std::string noLoca = "site.ags:14: field LOCA_ID: hole 'BH2' has GEOL rows but no LOCA row";
+  const std::string bh2Cut = "BH2 @1100,2000 top 12.5: MG 12.5..10.5@14";
   const struct {
     std::string edit; // of BH2's rows
     std::string to;
@@ -203,51 +187,37 @@ TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
        R"("DATA","BH2","CP","1100.00","2000.00","","6.00")"
        "\n"
        R"("DATA","TP9","TP","1200.00","2000.00","11.00","")",
-       {"BH1 @1000,2000 top 10: ALV 10..8.5@19 RTD 8.5..5@20",
-        "BH2 @1100,2000 top 0: MG 0..-2@21 RTD -2..-6@22"},
-       {"site.ags:13: warning: field LOCA_ID: hole 'TP9' left out: no geology (no GEOL rows)"}},
-      {R"("1100.00","2000.00")",
-       R"("1100.00","")",
-       {kSiteHoles[0]},
-       {"site.ags:12: warning: field LOCA_NATN: hole 'BH2' left out: LOCA_NATN is empty"}},
+       {"BH1 @1000,2000 top 10: ALV 10..8.5@13 RTD 8.5..5@14",
+        "BH2 @1100,2000 top 0: MG 0..-2@15 RTD -2..-6@16"},
+       {"site.ags:7: warning: field LOCA_ID: hole 'TP9' left out: no geology (no GEOL rows)"}},
       {R"("1100.00","2000.00")",
        R"("1100.00","x")",
        {kSiteHoles[0]},
-       {"site.ags:12: warning: field LOCA_NATN: hole 'BH2' left out: LOCA_NATN is not a number: "
+       {"site.ags:6: warning: field LOCA_NATN: hole 'BH2' left out: LOCA_NATN is not a number: "
         "'x'"}},
       {kBh2Loca,
        R"("DATA","BH2","CP","1100.00","2000.00","12.50")",
        {kSiteHoles[0]},
-       {"site.ags:12: field LOCA: the row has 5 fields but the group has 6 headings; the row is "
+       {"site.ags:6: field LOCA: the row has 5 fields but the group has 6 headings; the row is "
         "left out",
-        "site.ags:20: field LOCA_ID: hole 'BH2' has GEOL rows but no LOCA row"}},
+        noLoca}},
       {R"("DATA","BH2","CP")",
        R"("DATA","BH1","CP")",
        {kSiteHoles[0]},
-       {"site.ags:12: field LOCA_ID: duplicate hole name 'BH1' (first at line 11); this row is "
+       {"site.ags:6: field LOCA_ID: duplicate hole name 'BH1' (first at line 5); this row is "
         "ignored",
-        "site.ags:20: field LOCA_ID: hole 'BH2' has GEOL rows but no LOCA row"}},
+        noLoca}},
       // "Continued on sheet 2" rows have no base.
       {R"("BH2","2.00","6.00","Dense GRAVEL")",
        R"("BH2","6.00","","Continued on sheet 2")",
-       {kSiteHoles[0], "BH2 @1100,2000 top 12.5: MG 12.5..10.5@20"},
-       {"site.ags:21: warning: field GEOL_BASE: empty: the stratum cannot be placed ('Continued "
+       {kSiteHoles[0], bh2Cut},
+       {"site.ags:15: warning: field GEOL_BASE: empty: the stratum cannot be placed ('Continued "
         "on sheet 2'); the row is left out",
-        "site.ags:12: warning: field LOCA_FDEP: the geology of hole 'BH2' ends at depth 2.00 but "
-        "the hole goes down to 6.00: the section shows nothing below the last logged stratum"}},
+        noMore}},
       {R"("BH2","2.00","6.00")",
        R"("BH2","2.00","6,0")",
-       {kSiteHoles[0], "BH2 @1100,2000 top 12.5: MG 12.5..10.5@20"},
-       {"site.ags:21: field GEOL_BASE: not a number: '6,0'; the row is left out",
-        "site.ags:12: warning: field LOCA_FDEP: the geology of hole 'BH2' ends at depth 2.00 but "
-        "the hole goes down to 6.00: the section shows nothing below the last logged stratum"}},
-      {R"("BH2","2.00","6.00","Dense GRAVEL","501","RTD","")",
-       R"("BH2","2.00","6.00","Dense GRAVEL","501")",
-       {kSiteHoles[0], "BH2 @1100,2000 top 12.5: MG 12.5..10.5@20"},
-       {"site.ags:21: field GEOL: the row has 5 fields but the group has 7 headings; the row is "
-        "left out",
-        "site.ags:12: warning: field LOCA_FDEP: the geology of hole 'BH2' ends at depth 2.00 but "
-        "the hole goes down to 6.00: the section shows nothing below the last logged stratum"}},
+       {kSiteHoles[0], bh2Cut},
+       {"site.ags:15: field GEOL_BASE: not a number: '6,0'; the row is left out", noMore}},
   };
   for (const auto& c : cases) {
     const auto set = Read(Edit(kSite, c.edit, c.to));
@@ -260,36 +230,108 @@ TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
 }
 
 TEST(AgsReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
-  const auto geolAt = kSite.find("\"GROUP\",\"GEOL\"");
-  const auto locaAt = kSite.find("\"GROUP\",\"LOCA\"");
   const struct {
     std::string text;
     const char* error;
   } cases[] = {
       {Edit(kSite, R"(,"LOCA_NATE","LOCA_NATN")", R"(,"LOCA_X","LOCA_NATN")"),
-       "site.ags:8: field LOCA_NATE: group LOCA has no heading LOCA_NATE"},
-      {kSite.substr(0, geolAt), "site.ags: no GEOL group: the file holds no geology"},
-      {kSite.substr(0, locaAt) + kSite.substr(geolAt),
+       "site.ags:2: field LOCA_NATE: group LOCA has no heading LOCA_NATE"},
+      {kSite.substr(0, kSite.find("\"GROUP\",\"GEOL\"")),
+       "site.ags: no GEOL group: the file holds no geology"},
+      {kSite.substr(kSite.find("\"GROUP\",\"GEOL\"")),
        "site.ags: no LOCA group: the holes of the GEOL group have no position or ground level"},
       {Edit(kSite, R"("UNIT","","m","m","","","","")", R"("UNIT","","m","m")"),
-       "site.ags:16: field GEOL: UNIT line: the row has 3 fields but the group has 7 headings"},
+       "site.ags:10: field GEOL: UNIT line: the row has 3 fields but the group has 7 headings"},
       {Edit(kSite, R"("TYPE","ID","2DP","2DP","X")", R"("TIPO","ID","2DP","2DP","X")"),
-       "site.ags:17: field GEOL: unknown line type 'TIPO': expected GROUP, HEADING, UNIT, TYPE or "
+       "site.ags:11: field GEOL: unknown line type 'TIPO': expected GROUP, HEADING, UNIT, TYPE or "
        "DATA"},
       {Edit(kSite, R"("LOCA_ID","LOCA_TYPE")", R"("LOCA_ID","LOCA_ID")"),
-       "site.ags:8: field LOCA_ID: heading appears twice in group LOCA"},
+       "site.ags:2: field LOCA_ID: heading appears twice in group LOCA"},
       {"HOLEID,X,Y\n", "site.ags:1: not an AGS file: the first line is neither a \"GROUP\" line "
                        "(AGS4) nor a \"**NAME\" line (AGS 3.1)"},
       {" \r\n\n", "site.ags: empty file: no AGS groups"},
       // AGS 3.1
       {Edit(kSite3, R"("*HOLE_GL","*HOLE_FDEP")", R"("HOLE_GL","*HOLE_FDEP")"),
-       "site.ags:7: field HOLE_GL: a heading of AGS 3.1 starts with '*'"},
+       "site.ags:2: field HOLE_GL: a heading of AGS 3.1 starts with '*'"},
       {"\"**PROJ\"\n\n\"P1\",\"x\"\n",
        "site.ags:3: line outside a group: a group starts with a \"**NAME\" line"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(ParseErrorOf([&] { Read(c.text); }), c.error);
+    EXPECT_EQ(ErrorOf([&] { Read(c.text); }), c.error);
   }
+}
+
+// One line per record: "strike 12.8 -> 12.2 after 20 at 2000-02-16 (line 5)", "spt 1.2 N=7".
+std::vector<std::string> InSituSummary(const HoleInSitu& hole) {
+  std::vector<std::string> lines;
+  const auto optional = [](const std::optional<double>& v) {
+    return v ? FormatNumber(*v) : std::string("?");
+  };
+  for (const WaterStrike& s : hole.waterStrikes) {
+    lines.push_back("strike " + FormatNumber(s.depth) + " -> " + optional(s.roseTo) + " after " +
+                    optional(s.minutes) + " at " + s.time + " (line " +
+                    std::to_string(s.where.line) + ")");
+  }
+  for (const StandingLevel& s : hole.standingLevels) {
+    lines.push_back("level " + FormatNumber(s.depth) + " in " + s.instrument + " at " + s.time);
+  }
+  for (const SptResult& t : hole.spt) {
+    lines.push_back("spt " + FormatNumber(t.depth) + " " + SptLabel(t));
+  }
+  return lines;
+}
+
+// Water strikes, standing levels and SPT results, one rule per row; the real files that carry them
+// are read through the tool (InSituSectionTest). WSTG rows on lines 3-5, WSTD on lines 9-13, MOND
+// on lines 17-19, ISPT on lines 23-27.
+const std::string kAgs4 = R"ags("GROUP","WSTG"
+"HEADING","LOCA_ID","WSTG_DPTH","WSTG_DTIM","WSTG_REM"
+"DATA","BH1","","","Strikes not recorded during rotary drilling"
+"DATA","BH1","9.40","2000-02-16T10:30",""
+"DATA","BH1","2.10","2000-02-16T09:00","Seepage"
+
+"GROUP","WSTD"
+"HEADING","LOCA_ID","WSTG_DPTH","WSTD_NMIN","WSTD_POST"
+"DATA","BH1","9.40","10","6.50"
+"DATA","BH1","9.40","20","6.20"
+"DATA","BH1","9.40","5","6.90"
+"DATA","BH1","12.00","20","11.00"
+"DATA","BH1","2.10","abc","2.00"
+
+"GROUP","MOND"
+"HEADING","LOCA_ID","MONG_ID","MOND_DTIM","MOND_TYPE","MOND_RDNG"
+"DATA","BH1","SP1","2000-03-01","WDEP","5.85"
+"DATA","BH1","SP1","2000-03-08","WDEP",""
+"DATA","BH1","SP1","2000-03-08","HEAD","11.50"
+
+"GROUP","ISPT"
+"HEADING","LOCA_ID","ISPT_TOP","ISPT_NVAL","ISPT_REP","ISPT_MAIN","ISPT_INC3","ISPT_INC4","ISPT_PEN3","ISPT_PEN4"
+"DATA","BH1","5.00","","50 (25 for 70mm/50 for 70mm)","50","","","",""
+"DATA","BH1","1.20","7","N=7 (1,1/1,2,2,2)","7","","","",""
+"DATA","BH1","6.50","","","","30","20","75","0"
+"DATA","BH1","8.00","","","","","","",""
+"DATA","BH1","-1.0","12","","","","","",""
+)ags";
+
+TEST(InSituTest, Ags4StrikesKeepTheirLastReadingAndTestsTheirResultAsReported) {
+  std::vector<Diagnostic> diagnostics;
+  EXPECT_EQ(InSituSummary(ReadAgsInSitu(kAgs4, "site.ags", diagnostics).at("BH1")),
+            (std::vector<std::string>{
+                // WSTD readings come in any order: the one taken longest after the strike counts.
+                "strike 2.1 -> 2 after ? at 2000-02-16T09:00 (line 5)",
+                "strike 9.4 -> 6.2 after 20 at 2000-02-16T10:30 (line 4)",
+                "strike 12 -> 11 after 20 at  (line 12)", // readings of an unlisted strike
+                "level 5.85 in SP1 at 2000-03-01",        // HEAD readings and dry visits left out
+                "spt 1.2 N=7",
+                "spt 5 50 (25 for 70mm/50 for 70mm)", // a refusal as the log writes it
+                "spt 6.5 50 for 75 mm",               // and from its increments when it does not
+            }));
+  EXPECT_EQ(Messages(diagnostics),
+            (std::vector<std::string>{
+                "site.ags:13: warning: field WSTD_NMIN: not a number: 'abc'; the value is left out",
+                "site.ags:26: warning: field ISPT_TOP: SPT without a result (no N, report or blow "
+                "count); left out",
+                "site.ags:27: warning: field ISPT_TOP: negative depth -1.0; the row is left out"}));
 }
 
 } // namespace

@@ -9,8 +9,8 @@
 namespace xklink {
 namespace {
 
+using testing::ErrorOf;
 using testing::Messages;
-using testing::ParseErrorOf;
 using testing::Summary;
 using Lines = std::vector<std::string>;
 
@@ -89,7 +89,7 @@ TEST(CsvReaderTest, ElevationsWithoutGroundLevelPutTheCollarOnTheHighestStratum)
 TEST(CsvReaderTest, TheUserSaysDepthsOrElevations) {
   // Tied: one row each way, so only the user can tell.
   const std::string tied = "BH,X,Y,Z,TOP,BASE,CODE\nBH1,0,0,50,0,2,A\nBH1,0,0,50,5,3,B\n";
-  EXPECT_EQ(ParseErrorOf([&] { Read(tied); }),
+  EXPECT_EQ(ErrorOf([&] { Read(tied); }),
             "holes.csv:1: field TOP: cannot tell whether TOP/BASE are depths or elevations: 1 rows "
             "have top < base and 1 have top > base; say which they are");
   ReadOptions options;
@@ -98,7 +98,7 @@ TEST(CsvReaderTest, TheUserSaysDepthsOrElevations) {
   EXPECT_EQ(Summary(set), Lines{"BH1 @0,0 top 50: B 5..3@3 A 0..2@2"});
   EXPECT_TRUE(HasErrors(ValidateBoreholes(set))); // A is upside down as elevations
   options.depthMode = DepthMode::Depths;
-  EXPECT_EQ(ParseErrorOf([&] { Read("BH,X,Y,Z,TOP_RL,BASE_RL,CODE\nBH1,0,0,5,5,3,A\n", options); }),
+  EXPECT_EQ(ErrorOf([&] { Read("BH,X,Y,Z,TOP_RL,BASE_RL,CODE\nBH1,0,0,5,5,3,A\n", options); }),
             "holes.csv:1: no columns for the top and base of the strata as depths below the collar "
             "(FROM/TO, TOP_DEPTH/BASE_DEPTH or TOP/BASE)");
 }
@@ -140,7 +140,7 @@ TEST(CsvReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
        "holes.csv:2: not valid UTF-8 at column 19; save the file as UTF-8"},
   };
   for (const auto& c : cases) {
-    const auto error = ParseErrorOf([&] { Read(c.text); });
+    const auto error = ErrorOf([&] { Read(c.text); });
     const auto dots = c.error.find("...");
     EXPECT_EQ(dots == std::string::npos ? error : error.substr(0, dots), c.error.substr(0, dots));
   }
@@ -171,35 +171,31 @@ TEST(CsvReaderTest, EmptyFieldsDisagreeingCollarsAndNonFiniteValuesAreReportedIn
                    "holes.csv:3: field TO: not a finite number: -inf"}));
 }
 
-class TwoTableCsvTest : public ::testing::Test {
-protected:
-  BoreholeSet ReadPair(const std::string& collars, const std::string& intervals) {
+TEST(CsvReaderTest, OrphanIntervalsDuplicateAndIncompleteCollarsAreReported) {
+  testing::TempDir dir;
+  const std::string collars = dir.path + "/collar.csv";
+  const auto readPair = [&](const std::string& collarText, const std::string& intervals) {
     ReadOptions options;
-    options.collarFile = m_dir.Write("collar.csv", collars);
+    options.collarFile = dir.Write("collar.csv", collarText);
     return ReadCsvBoreholes(intervals, "lito.csv", options);
-  }
-  testing::TempDir m_dir;
-  std::string m_collars = (m_dir.Path() / "collar.csv").string();
-};
-
-TEST_F(TwoTableCsvTest, OrphanIntervalsDuplicateAndIncompleteCollarsAreReported) {
-  const auto set = ReadPair("HOLEID,X,Y,Z\nBH1,100,200,50\nBH1,1,1,1\nBH2,150,,48\nBH3,0,0,1\n",
+  };
+  const auto set = readPair("HOLEID,X,Y,Z\nBH1,100,200,50\nBH1,1,1,1\nBH2,150,,48\nBH3,0,0,1\n",
                             "HOLEID,FROM,TO,CODE\nBH1,0,2.5,SAND\nBH2,0,4,SAND\nBH9,0,1,A\n"
                             "BH9,1,2,B\n");
   EXPECT_EQ(Messages(set.diagnostics),
-            (Lines{m_collars + ":3: field HOLEID: duplicate hole name 'BH1' (first at line 2); "
-                               "this row is ignored",
-                   m_collars + ":4: warning: field Y: hole 'BH2' left out: Y is empty",
+            (Lines{collars + ":3: field HOLEID: duplicate hole name 'BH1' (first at line 2); "
+                             "this row is ignored",
+                   collars + ":4: warning: field Y: hole 'BH2' left out: Y is empty",
                    "lito.csv:4: field HOLEID: hole 'BH9' has intervals but no row in the collar "
                    "table",
-                   m_collars + ":5: warning: field HOLEID: hole 'BH3' left out: no intervals"}));
+                   collars + ":5: warning: field HOLEID: hole 'BH3' left out: no intervals"}));
   EXPECT_EQ(Summary(set), Lines{"BH1 @100,200 top 50: SAND 50..47.5@2"});
-  EXPECT_EQ(set.holes[0].where.ToString(), m_collars + ":2: field HOLEID");
+  EXPECT_EQ(set.holes[0].where.ToString(), collars + ":2: field HOLEID");
   EXPECT_EQ(set.skipped.at("BH3"), "no intervals");
-  EXPECT_EQ(
-      ParseErrorOf([&] { ReadPair("HOLEID,X,Y\nBH1,0,0\n", "HOLEID,FROM,TO,CODE\nBH1,0,1,A\n"); }),
-      m_collars + ":1: no column for the ground level (depths are measured from it): expected one "
-                  "of Z, RL, GL, ELEV, ELEVATION, GROUND_LEVEL, COLLAR_RL, COLLAR_Z, LOCA_GL");
+  EXPECT_EQ(ErrorOf([&] { readPair("HOLEID,X,Y\nBH1,0,0\n", "HOLEID,FROM,TO,CODE\nBH1,0,1,A\n"); }),
+            collars +
+                ":1: no column for the ground level (depths are measured from it): expected one "
+                "of Z, RL, GL, ELEV, ELEVATION, GROUND_LEVEL, COLLAR_RL, COLLAR_Z, LOCA_GL");
 }
 
 } // namespace

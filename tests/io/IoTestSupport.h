@@ -1,4 +1,4 @@
-// Helpers of the reader tests: a temporary directory for hand-made files, edits of sample files,
+// Helpers of the reader tests: hand-made files in a temporary directory, edits of sample texts,
 // borehole sets built in code, and short ways to look at what was read and what went wrong.
 #pragma once
 
@@ -13,39 +13,24 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <optional>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace xklink::testing {
 
 // A fresh directory under the system's temporary directory, removed with everything in it.
-class TempDir {
-public:
-  TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "xklink-io-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
-      throw std::runtime_error("cannot create a temporary directory");
-    }
-    m_path = pattern;
-  }
+struct TempDir {
+  std::string path = (std::filesystem::temp_directory_path() / "xklink-io-XXXXXX").string();
+  TempDir() { EXPECT_NE(mkdtemp(path.data()), nullptr) << path; }
   ~TempDir() {
     std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
+    std::filesystem::remove_all(path, ignored);
   }
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-
   // Writes the bytes as they are (no line-ending translation) and returns the path.
   std::filesystem::path Write(const std::string& name, std::string_view bytes) const {
-    std::ofstream(m_path / name, std::ios::binary) << bytes;
-    return m_path / name;
+    std::ofstream(path + "/" + name, std::ios::binary) << bytes;
+    return path + "/" + name;
   }
-  const std::filesystem::path& Path() const { return m_path; }
-
-private:
-  std::filesystem::path m_path;
 };
 
 // The diagnostics as the user reads them: all of them, or those of one severity.
@@ -61,7 +46,7 @@ inline std::vector<std::string> Messages(const std::vector<Diagnostic>& diagnost
 }
 
 // The what() of the Error that `action` throws; a test failure when it throws none.
-template <class Error> std::string ErrorOf(const std::function<void()>& action) {
+template <class Error = ParseError> std::string ErrorOf(const std::function<void()>& action) {
   try {
     action();
   } catch (const Error& error) {
@@ -69,10 +54,6 @@ template <class Error> std::string ErrorOf(const std::function<void()>& action) 
   }
   ADD_FAILURE() << "no error of the expected kind thrown";
   return {};
-}
-
-inline std::string ParseErrorOf(const std::function<void()>& action) {
-  return ErrorOf<ParseError>(action);
 }
 
 // The text with a byte order mark, and CRLF for every LF.
@@ -87,11 +68,8 @@ inline std::string WithBomAndCrlf(std::string_view text) {
 // The text with its first `from` replaced; fails the test when `from` is not there.
 inline std::string Edit(std::string text, const std::string& from, const std::string& to) {
   const auto at = text.find(from);
-  if (at == std::string::npos) {
-    ADD_FAILURE() << "not in the file: " << from;
-    return text;
-  }
-  return text.replace(at, from.size(), to);
+  EXPECT_NE(at, std::string::npos) << "not in the text: " << from;
+  return at == std::string::npos ? text : text.replace(at, from.size(), to);
 }
 
 // One line per hole: "BH1 @100,200 top 50: SAND 50..47.5@2 CLAY 47.5..40@3", each stratum with the
@@ -125,13 +103,12 @@ inline HoleRecord MakeHole(const std::string& name, double x, double y, double t
   hole.y = y;
   hole.top = top;
   hole.where = {"set.json", line, "name"};
-  for (std::size_t i = 0; i < beds.size(); ++i) {
-    StratumRecord stratum;
-    stratum.dc.strName = beds[i].code;
-    stratum.dc.dTopGC = beds[i].top;
-    stratum.dc.dBotGC = beds[i].bottom;
-    stratum.where = {"set.json", line + 1 + i, "code"};
-    hole.strata.push_back(stratum);
+  for (const auto& bed : beds) {
+    StratumRecord& stratum = hole.strata.emplace_back();
+    stratum.dc.strName = bed.code;
+    stratum.dc.dTopGC = bed.top;
+    stratum.dc.dBotGC = bed.bottom;
+    stratum.where = {"set.json", line + hole.strata.size(), "code"};
   }
   return hole;
 }

@@ -10,8 +10,8 @@ namespace xklink {
 namespace {
 
 using testing::Edit;
+using testing::ErrorOf;
 using testing::Messages;
-using testing::ParseErrorOf;
 using Lines = std::vector<std::string>;
 
 // BH1 on line 2 with strata on lines 3-4; BH2 on line 5 with its stratum on line 6.
@@ -80,7 +80,7 @@ TEST(JsonReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
        "holes.json:4: not valid UTF-8 at column 19; save the file as UTF-8"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(ParseErrorOf([&] { Read(c.text); }), c.error);
+    EXPECT_EQ(ErrorOf([&] { Read(c.text); }), c.error);
   }
   // Syntax errors and numbers beyond the range of double: the line, then the parser's own words.
   const struct {
@@ -94,7 +94,7 @@ TEST(JsonReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
       {Edit(kHoles, R"("top": 98,)", R"("top": 1e999,)"), "holes.json:5: JSON: number overflow"},
   };
   for (const auto& c : syntax) {
-    const auto error = ParseErrorOf([&] { Read(c.text); });
+    const auto error = ErrorOf([&] { Read(c.text); });
     EXPECT_EQ(error.rfind(c.start, 0), 0U) << error;
   }
 }
@@ -123,8 +123,8 @@ TEST(JsonReaderTest, NestingIsBoundedEvenInMembersNobodyReads) {
   EXPECT_EQ(Messages(inHole(nested(room, "{\"a\":", ",\"b\":1}")).diagnostics), ignored);
   const std::string refused =
       "holes.json:5: field deep: JSON nested more than 256 levels deep; a borehole file needs 5";
-  EXPECT_EQ(ParseErrorOf([&] { inHole(nested(room + 1, "[", "]")); }), refused);
-  EXPECT_EQ(ParseErrorOf([&] { inHole(nested(110000, "{\"a\":", "}")); }),
+  EXPECT_EQ(ErrorOf([&] { inHole(nested(room + 1, "[", "]")); }), refused);
+  EXPECT_EQ(ErrorOf([&] { inHole(nested(110000, "{\"a\":", "}")); }),
             Edit(refused, "field deep", "field a"));
 }
 

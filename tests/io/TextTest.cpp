@@ -12,12 +12,12 @@ namespace xklink {
 namespace {
 
 using namespace std::string_view_literals;
-using testing::ParseErrorOf;
+using testing::ErrorOf;
 
 const SourceRef kWhere{"codes.csv", 7, "CODE"};
 
 TEST(Utf8Test, InvalidSequencesAreFoundAtTheirFirstByte) {
-  EXPECT_EQ(ParseErrorOf([] { FromUtf8("Diab\xE1sio", kWhere); }),
+  EXPECT_EQ(ErrorOf([] { FromUtf8("Diab\xE1sio", kWhere); }),
             "codes.csv:7: field CODE: not valid UTF-8: byte 0xE1 at position 5");
   EXPECT_FALSE(FindInvalidUtf8("\xC3\xA1\xE2\x82\xAC\xF0\x9F\x98\x80").has_value());
   const std::pair<std::string_view, std::size_t> invalid[] = {
@@ -44,17 +44,17 @@ TEST(SourceTextTest, FilesLoseTheirByteOrderMarkAndMissingOnesAreNamed) {
             "\"\xC3\xA1\xF0\x9F\x98\x80\n");
   EXPECT_EQ(ReadSourceFile(dir.Write("be.ags", "\xFE\xFF\0\"\0\xE1"sv)), "\"\xC3\xA1");
   const auto cut = dir.Write("cut.ags", "\xFF\xFE\"\0\xE1"sv);
-  EXPECT_EQ(ParseErrorOf([&] { ReadSourceFile(cut); }),
+  EXPECT_EQ(ErrorOf([&] { ReadSourceFile(cut); }),
             cut.string() + ": UTF-16 text (it starts with a UTF-16 byte-order mark) with an odd "
                            "number of bytes: the file is cut short");
-  EXPECT_EQ(ParseErrorOf([] { RequireUtf8Text("\"\0G\0R\0O\0U\0P\0\"\0"sv, "w.ags"); }),
+  EXPECT_EQ(ErrorOf([] { RequireUtf8Text("\"\0G\0R\0O\0U\0P\0\"\0"sv, "w.ags"); }),
             "w.ags: looks like UTF-16 text without a byte-order mark; save it as UTF-8 (or as "
             "UTF-16 with a byte-order mark)");
-  const auto missing = dir.Path() / "nothing.ags";
-  EXPECT_EQ(ParseErrorOf([&] { ReadSourceFile(missing); }),
+  const auto missing = std::filesystem::path(dir.path) / "nothing.ags";
+  EXPECT_EQ(ErrorOf([&] { ReadSourceFile(missing); }),
             missing.string() + ": cannot read the file: it does not exist");
-  EXPECT_EQ(ParseErrorOf([&] { ReadSourceFile(dir.Path()); }),
-            dir.Path().string() + ": cannot read the file: it is a directory");
+  EXPECT_EQ(ErrorOf([&] { ReadSourceFile(dir.path); }),
+            dir.path + ": cannot read the file: it is a directory");
 }
 
 // "line: field|field|...," for each record (a final ',' when the line ends with a comma), then the
@@ -104,7 +104,7 @@ TEST(AgsTokenizerTest, QuotedFieldsLineBreaksInsideThemAndStrayQuotes) {
   // AGS 3.1 lines carry no keyword: any line that starts with a quote starts a record.
   EXPECT_EQ(AgsRecords("\"BH1\",\"5\" pipe\n\"BH2\",\"x\"\n", AgsEdition::Ags3)[1], "2:BH2|x");
   // A file cut inside a quoted field has lost rows: not a file to draw from.
-  EXPECT_EQ(ParseErrorOf([] { AgsRecords("\"DATA\",\"x\"\n\"DATA\",\"Firm\n"); }),
+  EXPECT_EQ(ErrorOf([] { AgsRecords("\"DATA\",\"x\"\n\"DATA\",\"Firm\n"); }),
             "t.ags:2: a quoted field opened on this line is never closed: the file ends inside it "
             "(was it cut short?)");
 }
