@@ -19,11 +19,9 @@ using testing::ErrorOf;
 using testing::Messages;
 using testing::Summary;
 
-// LOCA rows on lines 5-6, GEOL rows on lines 12-15.
+// LOCA rows on lines 3-4, GEOL rows on lines 10-13.
 const std::string kSite = R"("GROUP","LOCA"
 "HEADING","LOCA_ID","LOCA_TYPE","LOCA_NATE","LOCA_NATN","LOCA_GL","LOCA_FDEP"
-"UNIT","","","m","m","m","m"
-"TYPE","ID","PA","2DP","2DP","2DP","2DP"
 "DATA","BH1","CP","1000.00","2000.00","10.00","5.00"
 "DATA","BH2","CP","1100.00","2000.00","12.50","6.00"
 
@@ -37,8 +35,8 @@ const std::string kSite = R"("GROUP","LOCA"
 "DATA","BH2","2.00","6.00","Dense GRAVEL","501","RTD",""
 )";
 const std::vector<std::string> kSiteHoles = {
-    "BH1 @1000,2000 top 10: ALV 10..8.5@12 RTD 8.5..5@13",
-    "BH2 @1100,2000 top 12.5: MG 12.5..10.5@14 RTD 10.5..6.5@15"};
+    "BH1 @1000,2000 top 10: ALV 10..8.5@10 RTD 8.5..5@11",
+    "BH2 @1100,2000 top 12.5: MG 12.5..10.5@12 RTD 10.5..6.5@13"};
 const std::string kBh2Loca = R"("DATA","BH2","CP","1100.00","2000.00","12.50","6.00")";
 
 // HOLE rows on lines 5-6; GEOL rows on lines 11-16, <CONT> rows on lines 13 and 16: the second
@@ -87,7 +85,7 @@ TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
   expectRead(kSite3, kSite3Holes);
   const auto set = Read(kSite);
   EXPECT_EQ(set.holes[1].where.ToString() + ", " + set.holes[1].strata[1].where.ToString(),
-            "site.ags:6: field LOCA_ID, site.ags:15: field GEOL_GEOL");
+            "site.ags:4: field LOCA_ID, site.ags:13: field GEOL_GEOL");
   EXPECT_EQ(set.fields.holeTop + " " + set.fields.stratumBottom + " " + Read(kSite3).fields.holeTop,
             "LOCA_GL GEOL_BASE HOLE_GL");
   // 4.08 - 2.4 is the elevation 1.68 as written, not the double next to it.
@@ -102,7 +100,7 @@ TEST(AgsReaderTest, AGroupGivenAgainAddsItsRowsMatchedByHeading) {
                         "\"DATA\",\"12.50\",\"2000.00\",\"BH2\",\"1100.00\"\n");
   EXPECT_EQ(Summary(set), kSiteHoles);
   EXPECT_EQ(Messages(set.diagnostics),
-            std::vector<std::string>{"site.ags:17: warning: field LOCA: group LOCA appears again "
+            std::vector<std::string>{"site.ags:15: warning: field LOCA: group LOCA appears again "
                                      "(first at line 1); its rows are read with those of the "
                                      "first, matched by heading"});
 }
@@ -112,7 +110,7 @@ TEST(AgsReaderTest, BytesOutsideUtf8AreReadAsWindows1252WithAWarning) {
   EXPECT_EQ(set.holes[0].strata[0].dc.strName, L"Argila \u00E1");
   EXPECT_EQ(Messages(set.diagnostics),
             std::vector<std::string>{
-                "site.ags:12: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"});
+                "site.ags:10: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"});
 }
 
 TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
@@ -131,17 +129,17 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
             R"("2.00","6.00","Dense GRAVEL","501","")"),
        {},
        {"ALV;RTD;", "102;501;"},
-       {"site.ags:9: warning: field GEOL_LEG: GEOL_GEOL is empty on most rows of 1 hole (BH2): "
+       {"site.ags:7: warning: field GEOL_LEG: GEOL_GEOL is empty on most rows of 1 hole (BH2): "
         "their codes are read from GEOL_LEG"}},
       // The user's column holds for every hole, empty or not.
       {Edit(kSite, R"("102","MG")", R"("102","-")"),
        CodeColumn("GEOL_GEOL"),
        {"ALV;RTD;", ";RTD;"},
-       {"site.ags:14: warning: field GEOL_GEOL: no code: the stratum gets an empty code"}},
+       {"site.ags:12: warning: field GEOL_GEOL: no code: the stratum gets an empty code"}},
       {none,
        {},
        {"CLAY;GRAVEL;", "MADE GROUND;GRAVEL;"},
-       {"site.ags:9: warning: field GEOL_DESC: no code column (GEOL_GEOL, GEOL_LEG, GEOL_GEO2) "
+       {"site.ags:7: warning: field GEOL_DESC: no code column (GEOL_GEOL, GEOL_LEG, GEOL_GEO2) "
         "is filled: the strata are named by the soil or rock in capitals of GEOL_DESC ('Firm "
         "brown sandy CLAY' gives CLAY)"}},
   };
@@ -163,20 +161,20 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
                              "MADE GROUND", "fill"),
                         "Dense GRAVEL", "gravel"));
             }),
-            "site.ags:9: field GEOL_GEOL: no stratum codes: GEOL_GEOL, GEOL_LEG and GEOL_GEO2 are "
+            "site.ags:7: field GEOL_GEOL: no stratum codes: GEOL_GEOL, GEOL_LEG and GEOL_GEO2 are "
             "missing or empty in every row, and no GEOL_DESC names a soil in capitals; name the "
             "column that holds the codes");
   EXPECT_EQ(ErrorOf([] { Read(kSite, CodeColumn("GEOL_BGS")); }),
-            "site.ags:9: field GEOL_BGS: group GEOL has no heading GEOL_BGS");
+            "site.ags:7: field GEOL_BGS: group GEOL has no heading GEOL_BGS");
 }
 
 // A hole whose position is empty is shown by the real files (RealFilesTest: C6034).
 TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
-  const std::string noMore = "site.ags:6: warning: field LOCA_FDEP: the geology of hole 'BH2' ends "
+  const std::string noMore = "site.ags:4: warning: field LOCA_FDEP: the geology of hole 'BH2' ends "
                              "at depth 2.00 but the hole goes down to 6.00: the section shows "
                              "nothing below the last logged stratum";
-  const std::string noLoca = "site.ags:14: field LOCA_ID: hole 'BH2' has GEOL rows but no LOCA row";
-  const std::string bh2Cut = "BH2 @1100,2000 top 12.5: MG 12.5..10.5@14";
+  const std::string noLoca = "site.ags:12: field LOCA_ID: hole 'BH2' has GEOL rows but no LOCA row";
+  const std::string bh2Cut = "BH2 @1100,2000 top 12.5: MG 12.5..10.5@12";
   const struct {
     std::string edit; // of BH2's rows
     std::string to;
@@ -187,37 +185,37 @@ TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
        R"("DATA","BH2","CP","1100.00","2000.00","","6.00")"
        "\n"
        R"("DATA","TP9","TP","1200.00","2000.00","11.00","")",
-       {"BH1 @1000,2000 top 10: ALV 10..8.5@13 RTD 8.5..5@14",
-        "BH2 @1100,2000 top 0: MG 0..-2@15 RTD -2..-6@16"},
-       {"site.ags:7: warning: field LOCA_ID: hole 'TP9' left out: no geology (no GEOL rows)"}},
+       {"BH1 @1000,2000 top 10: ALV 10..8.5@11 RTD 8.5..5@12",
+        "BH2 @1100,2000 top 0: MG 0..-2@13 RTD -2..-6@14"},
+       {"site.ags:5: warning: field LOCA_ID: hole 'TP9' left out: no geology (no GEOL rows)"}},
       {R"("1100.00","2000.00")",
        R"("1100.00","x")",
        {kSiteHoles[0]},
-       {"site.ags:6: warning: field LOCA_NATN: hole 'BH2' left out: LOCA_NATN is not a number: "
+       {"site.ags:4: warning: field LOCA_NATN: hole 'BH2' left out: LOCA_NATN is not a number: "
         "'x'"}},
       {kBh2Loca,
        R"("DATA","BH2","CP","1100.00","2000.00","12.50")",
        {kSiteHoles[0]},
-       {"site.ags:6: field LOCA: the row has 5 fields but the group has 6 headings; the row is "
+       {"site.ags:4: field LOCA: the row has 5 fields but the group has 6 headings; the row is "
         "left out",
         noLoca}},
       {R"("DATA","BH2","CP")",
        R"("DATA","BH1","CP")",
        {kSiteHoles[0]},
-       {"site.ags:6: field LOCA_ID: duplicate hole name 'BH1' (first at line 5); this row is "
+       {"site.ags:4: field LOCA_ID: duplicate hole name 'BH1' (first at line 3); this row is "
         "ignored",
         noLoca}},
       // "Continued on sheet 2" rows have no base.
       {R"("BH2","2.00","6.00","Dense GRAVEL")",
        R"("BH2","6.00","","Continued on sheet 2")",
        {kSiteHoles[0], bh2Cut},
-       {"site.ags:15: warning: field GEOL_BASE: empty: the stratum cannot be placed ('Continued "
+       {"site.ags:13: warning: field GEOL_BASE: empty: the stratum cannot be placed ('Continued "
         "on sheet 2'); the row is left out",
         noMore}},
       {R"("BH2","2.00","6.00")",
        R"("BH2","2.00","6,0")",
        {kSiteHoles[0], bh2Cut},
-       {"site.ags:15: field GEOL_BASE: not a number: '6,0'; the row is left out", noMore}},
+       {"site.ags:13: field GEOL_BASE: not a number: '6,0'; the row is left out", noMore}},
   };
   for (const auto& c : cases) {
     const auto set = Read(Edit(kSite, c.edit, c.to));
@@ -241,9 +239,9 @@ TEST(AgsReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
       {kSite.substr(kSite.find("\"GROUP\",\"GEOL\"")),
        "site.ags: no LOCA group: the holes of the GEOL group have no position or ground level"},
       {Edit(kSite, R"("UNIT","","m","m","","","","")", R"("UNIT","","m","m")"),
-       "site.ags:10: field GEOL: UNIT line: the row has 3 fields but the group has 7 headings"},
+       "site.ags:8: field GEOL: UNIT line: the row has 3 fields but the group has 7 headings"},
       {Edit(kSite, R"("TYPE","ID","2DP","2DP","X")", R"("TIPO","ID","2DP","2DP","X")"),
-       "site.ags:11: field GEOL: unknown line type 'TIPO': expected GROUP, HEADING, UNIT, TYPE or "
+       "site.ags:9: field GEOL: unknown line type 'TIPO': expected GROUP, HEADING, UNIT, TYPE or "
        "DATA"},
       {Edit(kSite, R"("LOCA_ID","LOCA_TYPE")", R"("LOCA_ID","LOCA_ID")"),
        "site.ags:2: field LOCA_ID: heading appears twice in group LOCA"},

@@ -15,11 +15,11 @@ using testing::Summary;
 using Lines = std::vector<std::string>;
 
 const std::string kDepths = "HOLEID,EASTING,NORTHING,RL,FROM,TO,CODE\n"
-                            "BH1,100,200,50,0,2.5,SAND\n"
-                            "BH1,100,200,50,2.5,10,CLAY\n"
+                            "BH1,100,200,10.68,0,2.5,SAND\n"
+                            "BH1,100,200,10.68,2.5,9.3,CLAY\n"
                             "BH2,150,200,48,0,4,SAND\n"
                             "BH2,150,200,48,4,9,CLAY\n";
-const Lines kExpected = {"BH1 @100,200 top 50: SAND 50..47.5@2 CLAY 47.5..40@3",
+const Lines kExpected = {"BH1 @100,200 top 10.68: SAND 10.68..8.18@2 CLAY 8.18..1.38@3",
                          "BH2 @150,200 top 48: SAND 48..44@4 CLAY 44..39@5"};
 
 BoreholeSet Read(const std::string& text, const ReadOptions& options = {}) {
@@ -37,10 +37,8 @@ TEST(CsvReaderTest, ReadsOneRowPerStratumWithDepthsBelowTheCollar) {
   EXPECT_TRUE(ValidateBoreholes(set).empty());
   EXPECT_EQ(Summary(Read(testing::WithBomAndCrlf(kDepths))), kExpected);
   // Depths are taken from the ground level in decimals: 10.68 - 9.3 is 1.38 as written.
-  const auto decimals = Read("HOLEID,EASTING,NORTHING,RL,FROM,TO,CODE\n"
-                             "BH1,100,200,10.68,0,9.3,SAND\nBH2,150,200,48,0,4,SAND\n");
   ASSERT_NE(10.68 - 9.3, 1.38);
-  EXPECT_EQ(decimals.holes[0].strata[0].dc.dBotGC, 1.38);
+  EXPECT_EQ(set.holes[0].strata[1].dc.dBotGC, 1.38);
   // Quoted fields keep commas, doubled quotes and line breaks; a record keeps its first line's
   // number, and blank lines are skipped but counted.
   const auto quoted =

@@ -83,52 +83,40 @@ std::pair<Names, std::size_t> Concerned(const std::vector<Diagnostic>& diagnosti
 TEST(RealFilesTest, EveryAgsFileGivesItsHolesAndStrataAtTheirLines) {
   const struct {
     std::string file;
-    std::string counts;
+    std::string counts; // holes/strata
     std::string hole;
     std::size_t stratum;
     std::string expected;
-    Names errors;
+    Names errors = {};
   } files[] = {
       // M621 widening, Leeds: AGS4, codes in GEOL_GEOL, two overlaps left as found.
       {"m621-widening/M621_Widening.ags", "31/348", "BH01", 0,
        "Made Ground 45.56..45.06@808 GEOL_GEOL", Names{"BH07", "BH11"}},
       // DLR Woolwich: only legend codes (GEOL_GEOL there and empty).
-      {"dlr-woolwich/DLR_Woolwich_Extension.ags",
-       "25/200",
-       "BH106",
-       0,
-       "102 4.25..4.05@2082 GEOL_LEG",
-       {}},
+      {"dlr-woolwich/DLR_Woolwich_Extension.ags", "25/200", "BH106", 0,
+       "102 4.25..4.05@2082 GEOL_LEG"},
       // NLE Battersea, AGS 3.1: BH07 0.1-2.1 carries its code only on the <CONT> line.
-      {kNle, "10/105", "BH07", 1, "MG 3.15..1.15@1187 GEOL_GEOL", {}},
+      {kNle, "10/105", "BH07", 1, "MG 3.15..1.15@1187 GEOL_GEOL"},
       // C6034, AGS 3.1 whose headings, <UNITS> and data lines wrap, the HOLE group given twice:
       // the legend code of BH 1 4.00-5.85 stands on the <CONT> line below its row.
-      {"c6034-ags3/C6034.ags", "25/104", "BH 1", 2, "205 85.218..83.368@798 GEOL_LEG", {}},
+      {"c6034-ags3/C6034.ags", "25/104", "BH 1", 2, "205 85.218..83.368@798 GEOL_LEG"},
       // River Roch: descriptions run over several lines, the next ones indented by a tab; TP43
       // has no legend code, only GEOL_GEO2.
-      {kRoch, "19/77", kRochHole + "TP43", 0, "MADE GROUND 144.75..144.25@58 GEOL_GEO2", {}},
+      {kRoch, "19/77", kRochHole + "TP43", 0, "MADE GROUND 144.75..144.25@58 GEOL_GEO2"},
       // Shottlegate: never levelled (LOCA_GL empty), so in depth.
-      {"shottlegate/Shottlegate_Project.ags",
-       "3/7",
-       "Shottlegate BH3",
-       2,
-       "801 -3..-6@68 GEOL_LEG",
-       {}},
+      {"shottlegate/Shottlegate_Project.ags", "3/7", "Shottlegate BH3", 2,
+       "801 -3..-6@68 GEOL_LEG"},
       // DLR City Airport: 100 locations, the rows of 95 holes out of order.
-      {"dlr-city-airport/DLR_City_Airport_Extension.ags",
-       "100/775",
-       "BH134",
-       0,
-       "101 4.49..4.44@978 GEOL_LEG",
-       {}},
+      {"dlr-city-airport/DLR_City_Airport_Extension.ags", "100/775", "BH134", 0,
+       "101 4.49..4.44@978 GEOL_LEG"},
   };
   for (const auto& f : files) {
     SCOPED_TRACE(f.file);
     const auto set = ReadReal(f.file);
     EXPECT_EQ(Counts(set), f.counts);
     EXPECT_EQ(Stratum(Hole(set, f.hole), f.stratum), f.expected);
-    const auto errors = Concerned(ValidateBoreholes(set), Severity::Error);
-    EXPECT_EQ(errors, std::pair(f.errors, f.errors.size()));
+    EXPECT_EQ(Concerned(ValidateBoreholes(set), Severity::Error),
+              std::pair(f.errors, f.errors.size()));
   }
 }
 

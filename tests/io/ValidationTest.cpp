@@ -122,6 +122,9 @@ TEST(HolePolicyTest, WhatIsLeftOutAndWhatRefuses) {
   auto set = MakeSet({West(), East(), twin, noGround});
   set.diagnostics.push_back(MakeError({"set.json", 50, "name"}, "row without a name; ignored"));
   const std::string kIgnoredRow = "set.json:50: warning: field name: row without a name; ignored";
+  const std::string deeper = "stands at the same plan position as 'W2' (line 30), whose log goes "
+                             "deeper: a section takes one hole of a position";
+  const std::string noGroundLevel = "has no ground level, unlike other holes of the file";
   const struct {
     HolePolicy policy;
     Lines holes;
@@ -130,22 +133,18 @@ TEST(HolePolicyTest, WhatIsLeftOutAndWhatRefuses) {
   } cases[] = {
       {{},
        {"E", "W2"},
-       {kIgnoredRow,
-        "set.json:2: warning: field x: hole 'W' left out: stands at the same plan position as "
-        "'W2' (line 30), whose log goes deeper: a section takes one hole of a position",
-        "set.json:40: warning: field top: hole 'NG' left out: has no ground level, unlike other "
-        "holes of the file",
+       {kIgnoredRow, "set.json:2: warning: field x: hole 'W' left out: " + deeper,
+        "set.json:40: warning: field top: hole 'NG' left out: " + noGroundLevel,
         "set.json: warning: 2 of 4 holes left out of the section: W, NG"},
        {}},
       {{{"NG", "E"}, {}, false},
        {"NG", "E"},
        {kIgnoredRow},
-       {"set.json:40: field top: hole 'NG' has no ground level, unlike other holes of the file"}},
+       {"set.json:40: field top: hole 'NG' " + noGroundLevel}},
       {{{}, {"NG"}, true},
        {"W", "E", "W2"},
        {},
-       {"set.json:2: field x: hole 'W' stands at the same plan position as 'W2' (line 30), whose "
-        "log goes deeper: a section takes one hole of a position",
+       {"set.json:2: field x: hole 'W' " + deeper,
         "set.json:50: field name: row without a name; ignored"}},
   };
   for (const auto& c : cases) {
@@ -179,10 +178,6 @@ TEST(SectionSpacingTest, ConsecutiveHolesWithinAMillimetreAreAnError) {
   EXPECT_TRUE(CheckSectionSpacing({West(), East(), West()}).empty());
 }
 
-std::string SelectionErrorOf(const std::function<void()>& action) {
-  return testing::ErrorOf<SelectionError>(action);
-}
-
 TEST(SelectHolesTest, KeepsTheOrderGivenAndTheDiagnosticsThatConcernIt) {
   auto set = testing::MakeSet({MakeHole("BH01", 0, 0, 10, {{L"A", 10, 5}}, 2),
                                MakeHole("BH02", 50, 0, 10, {{L"A", 10, 5}}, 5),
@@ -210,7 +205,7 @@ TEST(SelectHolesTest, KeepsTheOrderGivenAndTheDiagnosticsThatConcernIt) {
       {{"BH01", "BH02", "BH01"}, "hole 'BH01' is named twice"},
   };
   for (const auto& [names, error] : refused) {
-    EXPECT_EQ(SelectionErrorOf([&] { SelectHoles(set, names); }), error);
+    EXPECT_EQ(testing::ErrorOf<SelectionError>([&] { SelectHoles(set, names); }), error);
   }
 }
 
