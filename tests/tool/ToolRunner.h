@@ -4,7 +4,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -34,10 +33,6 @@ inline std::string ReadFile(const fs::path& path) {
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-inline void WriteFile(const fs::path& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
-
 // A fresh directory, removed with everything in it at the end of the test.
 class TempDir {
 public:
@@ -58,7 +53,7 @@ public:
   fs::path operator/(const std::string& name) const { return m_path / name; }
   // Writes a file into the directory and returns its path as a string for the command line.
   std::string Write(const std::string& name, const std::string& text) const {
-    WriteFile(m_path / name, text);
+    std::ofstream(m_path / name, std::ios::binary) << text;
     return (m_path / name).string();
   }
   // The names of everything in the directory, sorted.
@@ -87,9 +82,9 @@ struct RunResult {
   }
 };
 
-// A child process (PATH searched) reading /dev/null, its output kept in files. It starts with
-// default actions for the signals that end a run and nothing blocked, whatever the test runner
-// set: the interruption tests rely on those signals arriving.
+// A child process (PATH searched) reading /dev/null, its output kept in files, to be waited for. It
+// starts with default actions for the signals that end a run and nothing blocked, whatever the test
+// runner set: the interruption tests rely on those signals arriving.
 class Child {
 public:
   explicit Child(const std::vector<std::string>& argv) : m_program(argv.at(0)) {
@@ -118,22 +113,11 @@ public:
       throw std::runtime_error("fork failed");
     }
   }
-  ~Child() {
-    if (m_pid > 0) {
-      ::kill(m_pid, SIGKILL);
-      Wait();
-    }
-  }
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
-
   void Signal(int signal) const { ::kill(m_pid, signal); }
 
   RunResult Wait() {
     int status = 0;
-    while (::waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
-    }
-    m_pid = -1;
+    ::waitpid(m_pid, &status, 0);
     RunResult result;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
@@ -170,11 +154,6 @@ inline void ExpectRefused(const RunResult& run, const std::vector<std::string>& 
     EXPECT_NE(run.err.find(fragment), std::string::npos) << "missing: " << fragment << "\n"
                                                          << run.err;
   }
-}
-
-// xmllint --noout: a real XML parser's verdict on a file.
-inline RunResult XmlLint(const fs::path& file) {
-  return RunProgram({"xmllint", "--noout", file.string()});
 }
 
 } // namespace xktool
