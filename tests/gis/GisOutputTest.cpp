@@ -1,5 +1,7 @@
+// The grids AGS files name, as producers write them, and the EPSG codes given on the command line;
 // xklink lines as GeoJSON (WGS 84 longitude, latitude) and GeoPackage (the source grid), checked
 // against positions that national mapping agencies publish, worked out here without PROJ or GDAL.
+#include "GridNames.h"
 #include "tool/ToolRunner.h"
 
 #include <cmath>
@@ -9,6 +11,36 @@
 
 namespace xktool {
 namespace {
+
+// "OSGB" and "ITM" are read through the tool below.
+TEST(GridNamesTest, NamesOfTheGridsOfTheBritishIslesAndHongKong) {
+  const struct {
+    const char* name;
+    std::optional<int> epsg;
+  } cases[] = {
+      {"osgb 36", 27700},
+      {"OSGB36 / British National Grid", 27700},
+      {"Ordnance Survey Great Britain National Grid", 27700}, // the ABBR text of "OSGB"
+      {"Irish Grid", 29903},
+      {"Irish_Transverse-Mercator", 2157},
+      {"Hong Kong 1980 Grid", 2326},
+      {"EPSG:3857", 3857},
+      {"OSGB 1936 Lat Long", std::nullopt}, // geographic, not a grid: never guessed
+      {"Local site grid", std::nullopt},
+      {"", std::nullopt},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(xklink::EpsgOfGridName(c.name), c.epsg) << c.name;
+  }
+}
+
+TEST(GridNamesTest, EpsgCodesAreWrittenInFull) {
+  EXPECT_EQ(xklink::ParseEpsgCode("epsg:27700"), 27700);
+  for (const char* bad : {"27700", "EPSG:", "EPSG 27700", "EPSG:27700m", "EPSG:-5", "EPSG:0", "EPS",
+                          "EPSG:99999999999"}) {
+    EXPECT_THROW(xklink::ParseEpsgCode(bad), std::invalid_argument) << bad;
+  }
+}
 
 using json = nlohmann::json;
 
@@ -110,9 +142,7 @@ TEST(GisOutputTest, GeoJsonPlacesTheHoleAtItsPublishedLongitudeAndLatitude) {
     for (const json& feature : features) {
       const json& start = feature.at("geometry").at("coordinates").at(0);
       const Geographic got{start.at(0), start.at(1)};
-      EXPECT_LT(MetresBetween(got, c.expected), 1.0)
-          << "lon " << got.lon << " lat " << got.lat << ", expected lon " << c.expected.lon
-          << " lat " << c.expected.lat;
+      EXPECT_LT(MetresBetween(got, c.expected), 1.0) << "lon " << got.lon << " lat " << got.lat;
       EXPECT_GT(start.at(2).get<double>(), 4.0); // the elevation is kept
     }
   }

@@ -6,6 +6,7 @@
 #include "AgsReader.h"
 
 #include "AgsInSitu.h"
+#include "AgsTokenizer.h"
 #include "IoTestSupport.h"
 #include "Validation.h"
 
@@ -18,6 +19,7 @@ using testing::Edit;
 using testing::ErrorOf;
 using testing::Messages;
 using testing::Summary;
+using Lines = std::vector<std::string>;
 
 // LOCA rows on lines 3-4, GEOL rows on lines 10-13.
 const std::string kSite = R"("GROUP","LOCA"
@@ -34,16 +36,14 @@ const std::string kSite = R"("GROUP","LOCA"
 "DATA","BH2","0.00","2.00","MADE GROUND","102","MG",""
 "DATA","BH2","2.00","6.00","Dense GRAVEL","501","RTD",""
 )";
-const std::vector<std::string> kSiteHoles = {
-    "BH1 @1000,2000 top 10: ALV 10..8.5@10 RTD 8.5..5@11",
-    "BH2 @1100,2000 top 12.5: MG 12.5..10.5@12 RTD 10.5..6.5@13"};
+const Lines kSiteHoles = {"BH1 @1000,2000 top 10: ALV 10..8.5@10 RTD 8.5..5@11",
+                          "BH2 @1100,2000 top 12.5: MG 12.5..10.5@12 RTD 10.5..6.5@13"};
 const std::string kBh2Loca = R"("DATA","BH2","CP","1100.00","2000.00","12.50","6.00")";
 
-// HOLE rows on lines 5-6; GEOL rows on lines 11-16, <CONT> rows on lines 13 and 16: the second
+// HOLE rows on lines 4-5; GEOL rows on lines 10-14, <CONT> rows on lines 11 and 14: the second
 // continues the codes of its row.
 const std::string kSite3 = R"ags("**HOLE"
-"*HOLE_ID","*HOLE_TYPE","*HOLE_NATE","*HOLE_NATN",
-"*HOLE_GL","*HOLE_FDEP","*?HOLE_STAT"
+"*HOLE_ID","*HOLE_TYPE","*HOLE_NATE","*HOLE_NATN","*HOLE_GL","*HOLE_FDEP","*?HOLE_STAT"
 "<UNITS>","","m","m","m","m",""
 "BH1","CP","500.5","100","4.08","40",""
 "BH2","CP","600","100","1.66","3",""
@@ -51,16 +51,14 @@ const std::string kSite3 = R"ags("**HOLE"
 "**GEOL"
 "*HOLE_ID","*GEOL_TOP","*GEOL_BASE","*GEOL_DESC","*GEOL_LEG","*GEOL_GEOL","*?GEOL_UNIT"
 "<UNITS>","m","m","","","",""
-"BH1","0","0.07","TOPSOIL.","101","TOP","T"
-"BH1","0.07","2.4","Brown clayey SAND with brick, concrete","","",""
+"BH1","0","2.4","Brown clayey SAND with brick, concrete","","",""
 "<CONT>","","","  (MADE GROUND)","102","MG","M"
 "BH1","2.4","40","Stiff CLAY","201","LC","C"
 "BH2","0","3","Very stiff, greyish brown CLAY with occasional lig","2","L","C"
 "<CONT>","","","nite (LONDON CLAY)","01","C",""
 )ags";
-const std::vector<std::string> kSite3Holes = {
-    "BH1 @500.5,100 top 4.08: TOP 4.08..4.01@11 MG 4.01..1.68@12 LC 1.68..-35.92@14",
-    "BH2 @600,100 top 1.66: LC 1.66..-1.34@15"};
+const Lines kSite3Holes = {"BH1 @500.5,100 top 4.08: MG 4.08..1.68@10 LC 1.68..-35.92@12",
+                           "BH2 @600,100 top 1.66: LC 1.66..-1.34@13"};
 
 BoreholeSet Read(const std::string& text, const ReadOptions& options = {}) {
   return ReadAgsBoreholes(text, "site.ags", options);
@@ -73,11 +71,10 @@ ReadOptions CodeColumn(const std::string& name) {
 }
 
 TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
-  const auto expectRead = [](const std::string& text, const std::vector<std::string>& holes) {
+  const auto expectRead = [](const std::string& text, const Lines& holes) {
     const auto set = Read(text);
     EXPECT_EQ(Summary(set), holes);
-    EXPECT_TRUE(set.diagnostics.empty()) << ::testing::PrintToString(Messages(set.diagnostics));
-    EXPECT_TRUE(ValidateBoreholes(set).empty());
+    EXPECT_EQ(Messages(ValidateBoreholes(set)), Lines{}); // the reader's own diagnostics too
     // CRLF and a byte order mark change nothing, not even the line numbers.
     EXPECT_EQ(Summary(Read(testing::WithBomAndCrlf(text))), holes);
   };
@@ -89,7 +86,13 @@ TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
   EXPECT_EQ(set.fields.holeTop + " " + set.fields.stratumBottom + " " + Read(kSite3).fields.holeTop,
             "LOCA_GL GEOL_BASE HOLE_GL");
   // 4.08 - 2.4 is the elevation 1.68 as written, not the double next to it.
-  EXPECT_EQ(Read(kSite3).holes[0].strata[1].dc.dBotGC, 1.68);
+  EXPECT_EQ(Read(kSite3).holes[0].strata[0].dc.dBotGC, 1.68);
+  // Bytes outside UTF-8 are read as Windows-1252, with a warning.
+  const auto latin = Read(Edit(kSite, "\"ALV\"", "\"Argila \xE1\""));
+  EXPECT_EQ(latin.holes[0].strata[0].dc.strName, L"Argila \u00E1");
+  EXPECT_EQ(
+      Messages(latin.diagnostics),
+      Lines{"site.ags:10: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"});
 }
 
 TEST(AgsReaderTest, AGroupGivenAgainAddsItsRowsMatchedByHeading) {
@@ -100,17 +103,8 @@ TEST(AgsReaderTest, AGroupGivenAgainAddsItsRowsMatchedByHeading) {
                         "\"DATA\",\"12.50\",\"2000.00\",\"BH2\",\"1100.00\"\n");
   EXPECT_EQ(Summary(set), kSiteHoles);
   EXPECT_EQ(Messages(set.diagnostics),
-            std::vector<std::string>{"site.ags:15: warning: field LOCA: group LOCA appears again "
-                                     "(first at line 1); its rows are read with those of the "
-                                     "first, matched by heading"});
-}
-
-TEST(AgsReaderTest, BytesOutsideUtf8AreReadAsWindows1252WithAWarning) {
-  const auto set = Read(Edit(kSite, "\"ALV\"", "\"Argila \xE1\""));
-  EXPECT_EQ(set.holes[0].strata[0].dc.strName, L"Argila \u00E1");
-  EXPECT_EQ(Messages(set.diagnostics),
-            std::vector<std::string>{
-                "site.ags:10: warning: not valid UTF-8; bytes outside UTF-8 read as Windows-1252"});
+            Lines{"site.ags:15: warning: field LOCA: group LOCA appears again (first at line 1); "
+                  "its rows are read with those of the first, matched by heading"});
 }
 
 TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
@@ -119,8 +113,8 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
   const struct {
     std::string text;
     ReadOptions options;
-    std::vector<std::string> codes; // of BH1 and BH2, ';' after each
-    std::vector<std::string> messages;
+    Lines codes; // of BH1 and BH2, ';' after each
+    Lines messages;
   } cases[] = {
       {kSite, CodeColumn("geol_leg"), {"201;501;", "102;501;"}, {}},
       // BH2 logged without geological units: its legend codes, said once for the file.
@@ -145,7 +139,7 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
   };
   for (const auto& c : cases) {
     const auto set = Read(c.text, c.options);
-    std::vector<std::string> codes;
+    Lines codes;
     for (const auto& hole : set.holes) {
       codes.emplace_back();
       for (const auto& stratum : hole.strata) {
@@ -178,8 +172,8 @@ TEST(AgsReaderTest, RowsThatCannotBeUsedAreLeftOutAndTiedToTheirHole) {
   const struct {
     std::string edit; // of BH2's rows
     std::string to;
-    std::vector<std::string> holes;
-    std::vector<std::string> messages;
+    Lines holes;
+    Lines messages;
   } cases[] = {
       {kBh2Loca,
        R"("DATA","BH2","CP","1100.00","2000.00","","6.00")"
@@ -259,9 +253,61 @@ TEST(AgsReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
   }
 }
 
+// AGS fields quoted as producers write them (CSV quoting is the CSV reader's tests').
+// "line: field|field|...," for each record (a final ',' when the line ends with a comma), then the
+// warnings.
+Lines AgsRecords(std::string text, AgsEdition edition = AgsEdition::Ags4) {
+  std::vector<Diagnostic> diagnostics;
+  AgsTokenizer tokens(text, "t.ags", edition, diagnostics);
+  Lines out;
+  AgsRecord record;
+  while (tokens.Next(record)) {
+    std::string line = std::to_string(record.line) + ":";
+    for (std::size_t i = 0; i < record.fields.size(); ++i) {
+      line += (i == 0 ? "" : "|") + std::string(record.fields[i]);
+    }
+    out.push_back(line + (record.endsWithComma ? "," : ""));
+  }
+  tokens.Finish();
+  for (const auto& message : Messages(diagnostics)) {
+    out.push_back(message);
+  }
+  return out;
+}
+
+TEST(AgsTokenizerTest, QuotedFieldsLineBreaksInsideThemAndStrayQuotes) {
+  const std::string stray = "t.ags:1: warning: quotes not doubled inside a field; read leniently, "
+                            "keeping stray quotes as text";
+  const struct {
+    std::string text;
+    Lines records;
+  } cases[] = {
+      {"\"DATA\",\"BH1\",\"Soft, brown \"\"CLAY\"\"\",\"\"\r\n\n \"x\" , y \n",
+       {"1:DATA|BH1|Soft, brown \"CLAY\"|", "2:", "3:x|y"}},
+      // A description typed with Enter between sentences, the next line indented by a tab.
+      {"\"DATA\",\"Firm CLAY.\r\n\tFrom 1.30m soft.\",\"201\"\r\n\"DATA\",\"x\"\r\n",
+       {"1:DATA|Firm CLAY.\n\tFrom 1.30m soft.|201", "3:DATA|x"}},
+      {"\"DATA\",\"Ashfield Area \"C\" Development, Dunbar\",\"x\"\n",
+       {"1:DATA|Ashfield Area \"C\" Development, Dunbar|x", stray}},
+      // A quote left open where the next line starts a record of its own was a stray one.
+      {"\"DATA\",\"5\" pipe\n\"DATA\",\"x\"\n\"DATA\",\"8\" pipe\",\"z\"\n",
+       {"1:DATA|5\" pipe", "2:DATA|x", "3:DATA|8\" pipe|z", stray + " (here and on 1 more line)"}},
+      {"\"*HOLE_ID\",\"*HOLE_NATE\",\n\"*HOLE_GL\"", {"1:*HOLE_ID|*HOLE_NATE|,", "2:*HOLE_GL"}},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(AgsRecords(c.text), c.records) << c.text;
+  }
+  // AGS 3.1 lines carry no keyword: any line that starts with a quote starts a record.
+  EXPECT_EQ(AgsRecords("\"BH1\",\"5\" pipe\n\"BH2\",\"x\"\n", AgsEdition::Ags3)[1], "2:BH2|x");
+  // A file cut inside a quoted field has lost rows: not a file to draw from.
+  EXPECT_EQ(ErrorOf([] { AgsRecords("\"DATA\",\"x\"\n\"DATA\",\"Firm\n"); }),
+            "t.ags:2: a quoted field opened on this line is never closed: the file ends inside it "
+            "(was it cut short?)");
+}
+
 // One line per record: "strike 12.8 -> 12.2 after 20 at 2000-02-16 (line 5)", "spt 1.2 N=7".
-std::vector<std::string> InSituSummary(const HoleInSitu& hole) {
-  std::vector<std::string> lines;
+Lines InSituSummary(const HoleInSitu& hole) {
+  Lines lines;
   const auto optional = [](const std::optional<double>& v) {
     return v ? FormatNumber(*v) : std::string("?");
   };
@@ -314,7 +360,7 @@ const std::string kAgs4 = R"ags("GROUP","WSTG"
 TEST(InSituTest, Ags4StrikesKeepTheirLastReadingAndTestsTheirResultAsReported) {
   std::vector<Diagnostic> diagnostics;
   EXPECT_EQ(InSituSummary(ReadAgsInSitu(kAgs4, "site.ags", diagnostics).at("BH1")),
-            (std::vector<std::string>{
+            (Lines{
                 // WSTD readings come in any order: the one taken longest after the strike counts.
                 "strike 2.1 -> 2 after ? at 2000-02-16T09:00 (line 5)",
                 "strike 9.4 -> 6.2 after 20 at 2000-02-16T10:30 (line 4)",
@@ -324,12 +370,12 @@ TEST(InSituTest, Ags4StrikesKeepTheirLastReadingAndTestsTheirResultAsReported) {
                 "spt 5 50 (25 for 70mm/50 for 70mm)", // a refusal as the log writes it
                 "spt 6.5 50 for 75 mm",               // and from its increments when it does not
             }));
-  EXPECT_EQ(Messages(diagnostics),
-            (std::vector<std::string>{
-                "site.ags:13: warning: field WSTD_NMIN: not a number: 'abc'; the value is left out",
-                "site.ags:26: warning: field ISPT_TOP: SPT without a result (no N, report or blow "
-                "count); left out",
-                "site.ags:27: warning: field ISPT_TOP: negative depth -1.0; the row is left out"}));
+  EXPECT_EQ(
+      Messages(diagnostics),
+      (Lines{"site.ags:13: warning: field WSTD_NMIN: not a number: 'abc'; the value is left out",
+             "site.ags:26: warning: field ISPT_TOP: SPT without a result (no N, report or blow "
+             "count); left out",
+             "site.ags:27: warning: field ISPT_TOP: negative depth -1.0; the row is left out"}));
 }
 
 } // namespace

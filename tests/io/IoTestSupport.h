@@ -97,12 +97,7 @@ struct Bed {
 // A hole whose record starts on `line` of "set.json" and whose strata follow one per line.
 inline HoleRecord MakeHole(const std::string& name, double x, double y, double top,
                            const std::vector<Bed>& beds, std::size_t line) {
-  HoleRecord hole;
-  hole.name = name;
-  hole.x = x;
-  hole.y = y;
-  hole.top = top;
-  hole.where = {"set.json", line, "name"};
+  HoleRecord hole{name, x, y, top, true, {}, {"set.json", line, "name"}};
   for (const auto& bed : beds) {
     StratumRecord& stratum = hole.strata.emplace_back();
     stratum.dc.strName = bed.code;

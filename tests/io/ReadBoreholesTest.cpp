@@ -1,7 +1,10 @@
-// The one entry for all formats: choosing the reader, applying the options, joining repeated codes.
+// The one entry for all formats: text as files bring it (UTF-8 and UTF-16 with or without a byte
+// order mark, files that cannot be read), choosing the reader, applying the options, joining
+// repeated codes.
 #include "ReadBoreholes.h"
 
 #include "IoTestSupport.h"
+#include "SourceFile.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -9,21 +12,55 @@
 namespace xklink {
 namespace {
 
+using namespace std::string_view_literals;
+using testing::ErrorOf;
 using testing::Summary;
 using Lines = std::vector<std::string>;
 
-const std::string kJson = R"({"boreholes": [
- {"name": "A", "x": 0, "y": 0, "top": 10, "strata": [{"code": "S", "top": 10, "bottom": 8},
-                                                    {"code": "S", "top": 8, "bottom": 5}]},
- {"name": "B", "x": 9, "y": 0, "top": 10, "strata": [{"code": "S", "top": 10, "bottom": 6}]}]}
-)";
-const std::string kAgs = "\"GROUP\",\"LOCA\"\n"
-                         "\"HEADING\",\"LOCA_ID\",\"LOCA_NATE\",\"LOCA_NATN\",\"LOCA_GL\"\n"
-                         "\"DATA\",\"A\",\"0\",\"0\",\"10\"\n"
-                         "\n"
-                         "\"GROUP\",\"GEOL\"\n"
-                         "\"HEADING\",\"LOCA_ID\",\"GEOL_TOP\",\"GEOL_BASE\",\"GEOL_GEOL\"\n"
-                         "\"DATA\",\"A\",\"0\",\"2\",\"S\"\n";
+const SourceRef kWhere{"codes.csv", 7, "CODE"};
+
+TEST(Utf8Test, InvalidSequencesAreFoundAtTheirFirstByte) {
+  EXPECT_EQ(ErrorOf([] { FromUtf8("Diab\xE1sio", kWhere); }),
+            "codes.csv:7: field CODE: not valid UTF-8: byte 0xE1 at position 5");
+  EXPECT_FALSE(FindInvalidUtf8("\xC3\xA1\xE2\x82\xAC\xF0\x9F\x98\x80").has_value());
+  const std::pair<std::string_view, std::size_t> invalid[] = {
+      {"\x80", 0},               // stray continuation byte
+      {"ab\xC0\xAF", 2},         // overlong '/'
+      {"\xE0\x80\x80", 0},       // overlong 3-byte
+      {"\xED\xA0\x80", 0},       // encoded surrogate
+      {"\xF4\x90\x80\x80", 0},   // above U+10FFFF
+      {"x\xE2\x82", 1},          // cut short at the end
+      {"\xE2\x82x", 0},          // cut short by a plain byte
+      {"ok\xF5\x80\x80\x80", 2}, // F5 never starts a sequence
+  };
+  for (const auto& [bytes, at] : invalid) {
+    EXPECT_EQ(FindInvalidUtf8(bytes), at) << ::testing::PrintToString(std::string(bytes));
+  }
+}
+
+TEST(SourceTextTest, FilesLoseTheirByteOrderMarkAndMissingOnesAreNamed) {
+  testing::TempDir dir;
+  EXPECT_EQ(ReadSourceFile(dir.Write("bom.csv", "\xEF\xBB\xBFHOLEID\r\nBH1\r\n")),
+            "HOLEID\r\nBH1\r\n");
+  // UTF-16 as Windows saves "Unicode" text, both byte orders, with a character beyond the BMP.
+  EXPECT_EQ(ReadSourceFile(dir.Write("le.ags", "\xFF\xFE\"\0\xE1\0\x3D\xD8\x00\xDE\n\0"sv)),
+            "\"\xC3\xA1\xF0\x9F\x98\x80\n");
+  EXPECT_EQ(ReadSourceFile(dir.Write("be.ags", "\xFE\xFF\0\"\0\xE1"sv)), "\"\xC3\xA1");
+  const auto cut = dir.Write("cut.ags", "\xFF\xFE\"\0\xE1"sv);
+  EXPECT_EQ(ErrorOf([&] { ReadSourceFile(cut); }),
+            cut.string() + ": UTF-16 text (it starts with a UTF-16 byte-order mark) with an odd "
+                           "number of bytes: the file is cut short");
+  EXPECT_EQ(ErrorOf([] { RequireUtf8Text("\"\0G\0R\0O\0U\0P\0\"\0"sv, "w.ags"); }),
+            "w.ags: looks like UTF-16 text without a byte-order mark; save it as UTF-8 (or as "
+            "UTF-16 with a byte-order mark)");
+  const auto missing = std::filesystem::path(dir.path) / "nothing.ags";
+  EXPECT_EQ(ErrorOf([&] { ReadSourceFile(missing); }),
+            missing.string() + ": cannot read the file: it does not exist");
+  EXPECT_EQ(ErrorOf([&] { ReadSourceFile(dir.path); }),
+            dir.path + ": cannot read the file: it is a directory");
+}
+
+const std::string kAgs = "\"GROUP\",\"LOCA\"\n";
 const std::string kCsv = "HOLEID,X,Y,Z,FROM,TO,CODE\nA,0,0,10,0,2,S\n";
 
 TEST(FormatTest, NamesExtensionsOrContentTellTheFormat) {
@@ -36,10 +73,10 @@ TEST(FormatTest, NamesExtensionsOrContentTellTheFormat) {
   testing::TempDir dir;
   EXPECT_EQ(DetectFormat(dir.Write("a.txt", "\xEF\xBB\xBF" + kAgs)), Format::Ags);
   EXPECT_EQ(DetectFormat(dir.Write("b.txt", "\"**PROJ\"\n")), Format::Ags);
-  EXPECT_EQ(DetectFormat(dir.Write("c.txt", "\n  " + kJson)), Format::Json);
+  EXPECT_EQ(DetectFormat(dir.Write("c.txt", "\n  {\"boreholes\": []}")), Format::Json);
   EXPECT_EQ(DetectFormat(dir.Write("d", kCsv)), Format::Csv);
   const auto unknown = dir.Write("e.dat", "borehole log\n");
-  EXPECT_EQ(testing::ErrorOf([&] { DetectFormat(unknown); }),
+  EXPECT_EQ(ErrorOf([&] { DetectFormat(unknown); }),
             unknown.string() + ": cannot tell the format from the name or the content; give it "
                                "(json, ags or csv)");
 }
