@@ -92,6 +92,8 @@ struct Bed {
   std::wstring code;
   double top;
   double bottom;
+  double aux = 0.0; // the host's own value and flag
+  bool flag = false;
 };
 
 // A hole whose record starts on `line` of "set.json" and whose strata follow one per line.
@@ -103,6 +105,8 @@ inline HoleRecord MakeHole(const std::string& name, double x, double y, double t
     stratum.dc.strName = bed.code;
     stratum.dc.dTopGC = bed.top;
     stratum.dc.dBotGC = bed.bottom;
+    stratum.dc.dAux = bed.aux;
+    stratum.dc.bAux = bed.flag;
     stratum.where = {"set.json", line + hole.strata.size(), "code"};
   }
   return hole;

@@ -109,19 +109,13 @@ TEST(MergeRepeatsTest, JoinsTouchingSoundStrataOfTheSameCodeAndNothingElse) {
       {{L"A", 100, 98}, {L"A", 98, 99}, {L"A", 99, 90}}, // upside down: would look sound
       {{L"A", 100, NAN}, {L"A", NAN, 90}},               // not a number
       {{L"Clay", 100, 98}, {L"CLAY", 98, 95}},           // codes differ in case
+      // the host tells them apart by its own value, then by its flag
+      {{L"A", 100, 98}, {L"A", 98, 95, 2.0}, {L"A", 95, 90, 2.0, true}},
   };
   for (const auto& beds : kept) {
-    auto set = testing::MakeSet({testing::MakeHole("H", 0, 0, 100, beds, 1)});
-    EXPECT_EQ(merged(beds), Summary(set)[0]);
+    EXPECT_EQ(merged(beds),
+              Summary(testing::MakeSet({testing::MakeHole("H", 0, 0, 100, beds, 1)}))[0]);
   }
-  // Strata the host tells apart by its own value or flag stay apart.
-  auto set = testing::MakeSet(
-      {testing::MakeHole("H", 0, 0, 100, {{L"A", 100, 98}, {L"A", 98, 95}, {L"A", 95, 90}}, 1)});
-  set.holes[0].strata[1].dc.dAux = 2.0;
-  set.holes[0].strata[2].dc.dAux = 2.0;
-  set.holes[0].strata[2].dc.bAux = true;
-  MergeRepeatedCodes(set);
-  EXPECT_EQ(set.holes[0].strata.size(), 3U);
 }
 
 } // namespace
