@@ -29,10 +29,9 @@ BoreholeSet Read(const std::string& text, const ReadOptions& options = {}) {
 TEST(CsvReaderTest, ReadsOneRowPerStratumWithDepthsBelowTheCollar) {
   const auto set = Read(kDepths);
   EXPECT_EQ(Summary(set), kExpected);
-  EXPECT_EQ(set.holes[1].where.ToString(), "holes.csv:4: field HOLEID");
-  EXPECT_EQ(set.holes[1].strata[1].where.ToString(), "holes.csv:5: field CODE");
-  EXPECT_EQ(set.fields.holeTop, "RL");
-  EXPECT_EQ(set.fields.stratumTop, "FROM");
+  EXPECT_EQ(set.holes[1].where.ToString() + ", " + set.holes[1].strata[1].where.ToString() + ", " +
+                set.fields.holeTop + " " + set.fields.stratumTop,
+            "holes.csv:4: field HOLEID, holes.csv:5: field CODE, RL FROM");
   EXPECT_EQ(Messages(ValidateBoreholes(set)), Lines{}); // the reader's own diagnostics too
   EXPECT_EQ(Summary(Read(testing::WithBomAndCrlf(kDepths))), kExpected);
   // Depths are taken from the ground level in decimals: 10.68 - 9.3 is 1.38 as written.

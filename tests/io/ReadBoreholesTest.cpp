@@ -17,10 +17,10 @@ using testing::ErrorOf;
 using testing::Summary;
 using Lines = std::vector<std::string>;
 
-const SourceRef kWhere{"codes.csv", 7, "CODE"};
-
 TEST(Utf8Test, InvalidSequencesAreFoundAtTheirFirstByte) {
-  EXPECT_EQ(ErrorOf([] { FromUtf8("Diab\xE1sio", kWhere); }),
+  EXPECT_EQ(ErrorOf([] {
+              FromUtf8("Diab\xE1sio", {"codes.csv", 7, "CODE"});
+            }),
             "codes.csv:7: field CODE: not valid UTF-8: byte 0xE1 at position 5");
   EXPECT_FALSE(FindInvalidUtf8("\xC3\xA1\xE2\x82\xAC\xF0\x9F\x98\x80").has_value());
   const std::pair<std::string_view, std::size_t> invalid[] = {
