@@ -127,6 +127,12 @@ TEST(RealFilesTest, HolesLeftOutAndTheMeaningsOfTheCodesUsed) {
                                                                {"BH 5", "HOLE_NATE is empty"},
                                                                {"BH 6", "HOLE_NATE is empty"}}));
   EXPECT_EQ(c6034.codeDescriptions.at("801"), "MUDSTONE");
+  // A <CONT> row continues the text of the row above: BH 1 4.00-5.85 ends "(GL" "ACIAL DEPOSITS)".
+  ReadOptions inSitu;
+  inSitu.inSitu = true;
+  const auto text =
+      ReadReal("c6034-ags3/C6034.ags", false, inSitu).inSitu.at("BH 1").descriptions.at(2).text;
+  EXPECT_EQ(text.substr(text.size() - 35), "mixed lithology. (GLACIAL DEPOSITS)");
   EXPECT_EQ(ReadReal("dlr-city-airport/DLR_City_Airport_Extension.ags").codeDescriptions.at("805"),
             "CHALK");
   // River Roch's ABBR lists codes as their own meaning, which is nothing to show.
@@ -163,8 +169,13 @@ TEST(DlrWoolwichTest, RowsAreSortedIntoAContinuousLogAndOnlyBh106IsWarnedOf) {
   EXPECT_EQ(sorted->message.find("IT303NS"), std::string::npos); // the one hole in order
 }
 
-// Merged logs follow the London sequence.
-TEST(NleBatterseaTest, MergedLogsFollowTheLondonSequence) {
+// NLE Battersea, AGS 3.1: elevations in decimals, the ground level named as the file names it,
+// merged logs that follow the London sequence.
+TEST(NleBatterseaTest, DecimalElevationsAndMergedLogsFollowingTheLondonSequence) {
+  const auto set = ReadReal(kNle);
+  ASSERT_NE(4.08 - 2.4, 1.68);
+  EXPECT_EQ(Hole(set, "BH01").strata[2].dc.dBotGC, 1.68); // 4.08 - 2.4 as written, on line 1118
+  EXPECT_EQ(set.fields.holeTop, "HOLE_GL");
   const auto merged = ReadReal(kNle, true);
   EXPECT_EQ(Codes(Hole(merged, "BH01")), "TOP;MG;ALV;RTD;LC;HAR;LMG;");
   EXPECT_EQ(Codes(Hole(merged, "BH08")), "MG;RTD;LC;HAR;LMG;TS;");
