@@ -23,7 +23,6 @@ const std::string kHoles = R"({"boreholes": [
    "strata": [{"code": "A", "top": 98, "bottom": 94}]}
 ]}
 )";
-const std::string kBh2Strata = R"([{"code": "A", "top": 98, "bottom": 94}])";
 
 BoreholeSet Read(const std::string& text) {
   return ReadJsonBoreholes(text, "holes.json", {});
@@ -64,7 +63,7 @@ TEST(JsonReaderTest, BadFilesAreParseErrorsNamingTheLineAndField) {
        "holes.json:1: field boreholes: expected an array of boreholes, found an object"},
       {"{\"boreholes\": [\n  \"BH1\"]}",
        "holes.json:2: field boreholes: expected a borehole object, found a string"},
-      {Edit(kHoles, kBh2Strata, "[[]]"),
+      {Edit(kHoles, R"([{"code": "A", "top": 98, "bottom": 94}])", "[[]]"),
        "holes.json:6: field strata: expected a stratum object, found an array"},
       {"[1, 2]", "holes.json:1: expected an object {\"boreholes\": [...]}, found an array"},
       {Edit(kHoles, R"("y": -2.5,)", "\"y\": -2.5,\n \"x\": 51,"),
