@@ -22,8 +22,8 @@ using Lines = std::vector<std::string>;
 HoleRecord West(std::vector<testing::Bed> beds = {{L"A", 100, 95}, {L"B", 95, 90}}) {
   return MakeHole("W", 0, 0, 100, beds, 2);
 }
-HoleRecord East() {
-  return MakeHole("E", 100, 0, 98, {{L"A", 98, 94}, {L"B", 94, 91}}, 10);
+HoleRecord East(const std::string& name = "E", double x = 100) {
+  return MakeHole(name, x, 0, 98, {{L"A", 98, 94}, {L"B", 94, 91}}, 10);
 }
 
 Lines Check(std::vector<HoleRecord> holes) {
@@ -94,21 +94,15 @@ TEST(ValidationTest, ValuesNoBoreholeCanHaveNameTheirFieldAndHole) {
 }
 
 TEST(ValidationTest, NamesCountAndPlanPositionsOfTheHoles) {
-  auto twin = East();
-  twin.name = "W";
-  EXPECT_EQ(Check({West(), East(), twin}),
+  EXPECT_EQ(Check({West(), East(), East("W")}),
             (Lines{"set.json:10: field name: duplicate hole name 'W' (first at line 2)",
                    "set.json:10: warning: field x: hole 'W' stands at the same plan position as "
                    "'E' (line 10): a section can take only one of them"}));
   EXPECT_EQ(Check({West()}), Lines{"set.json: 1 hole to correlate: a section needs at least two"});
   EXPECT_EQ(Check({}), Lines{"set.json: 0 holes to correlate: a section needs at least two"});
-  auto close = East();
-  close.name = "E2";
-  close.x += 0.0009; // closer than a millimetre
-  auto near = East();
-  near.name = "E3";
-  near.x += 0.5; // BH113 and BH113A of the DLR file are this close, and distinct
-  EXPECT_EQ(Check({West(), East(), close, near}),
+  // E2 is closer than a millimetre; BH113 and BH113A of the DLR file are as close as E3, and
+  // distinct.
+  EXPECT_EQ(Check({West(), East(), East("E2", 100.0009), East("E3", 100.5)}),
             Lines{"set.json:10: warning: field x: hole 'E2' stands at the same plan position as "
                   "'E' (line 10): a section can take only one of them"});
 }
@@ -165,23 +159,18 @@ TEST(HolePolicyTest, WhatIsLeftOutAndWhatRefuses) {
 }
 
 TEST(SectionSpacingTest, ConsecutiveHolesWithinAMillimetreAreAnError) {
-  auto twin = East();
-  twin.name = "E2";
-  twin.where.line = 20;
-  twin.x += 0.0009;
-  EXPECT_EQ(Messages(CheckSectionSpacing({West(), East(), twin})),
-            Lines{"set.json:20: field name: holes 'E' and 'E2' stand at the same plan position "
+  EXPECT_EQ(Messages(CheckSectionSpacing({West(), East(), East("E2", 100.0009)})),
+            Lines{"set.json:10: field name: holes 'E' and 'E2' stand at the same plan position "
                   "(100.0009, 0): the section between them has no length; leave one of them out"});
-  twin.x = East().x + 0.0011;
-  EXPECT_TRUE(CheckSectionSpacing({East(), twin}).empty());
+  EXPECT_TRUE(CheckSectionSpacing({East(), East("E2", 100.0011)}).empty());
   // Returning to a hole further along is a zigzag, not a zero-length span.
   EXPECT_TRUE(CheckSectionSpacing({West(), East(), West()}).empty());
 }
 
 TEST(SelectHolesTest, KeepsTheOrderGivenAndTheDiagnosticsThatConcernIt) {
-  auto set = testing::MakeSet({MakeHole("BH01", 0, 0, 10, {{L"A", 10, 5}}, 2),
-                               MakeHole("BH02", 50, 0, 10, {{L"A", 10, 5}}, 5),
-                               MakeHole("BH03", 90, 0, 10, {{L"A", 10, 6}}, 8)});
+  auto set = MakeSet({MakeHole("BH01", 0, 0, 10, {{L"A", 10, 5}}, 2),
+                      MakeHole("BH02", 50, 0, 10, {{L"A", 10, 5}}, 5),
+                      MakeHole("BH03", 90, 0, 10, {{L"A", 10, 6}}, 8)});
   set.skipped["TP01"] = "no geology (no GEOL rows)";
   set.diagnostics.push_back(MakeWarning({"set.json", 1, {}}, "about the file"));
   set.diagnostics.push_back(MakeError({"set.json", 3, "top"}, "about BH01", "BH01"));
@@ -192,7 +181,7 @@ TEST(SelectHolesTest, KeepsTheOrderGivenAndTheDiagnosticsThatConcernIt) {
             (Lines{"BH03 @90,0 top 10: A 10..6@9", "BH02 @50,0 top 10: A 10..5@6"}));
   EXPECT_EQ(selected.source, "set.json");
   // BH01's error does not stop a section that leaves BH01 out.
-  EXPECT_EQ(testing::Messages(selected.diagnostics),
+  EXPECT_EQ(Messages(selected.diagnostics),
             (Lines{"set.json:1: warning: about the file", "set.json:9: warning: field top: about "
                                                           "BH03"}));
 
