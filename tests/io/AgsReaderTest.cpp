@@ -1,8 +1,8 @@
-// AGS files made by hand, each edit hitting one rule of the format: AGS4 ("GROUP"/"HEADING"/"DATA"
-// lines, groups given twice) and AGS 3.1 ("**" groups, <UNITS> and <CONT> rows); codes and their
-// fall-backs; rows the reader leaves out. Lines that wrap and <CONT> rows that alone carry the code
-// are shown by the real files (RealFilesTest: NLE, C6034), quoting by the tokenizer's tests. Then
-// what the tool draws beside the logs: water strikes, standing levels and SPT results.
+// AGS4 files made by hand, each edit hitting one rule of the format ("GROUP"/"HEADING"/"DATA"
+// lines, groups given twice), codes and their fall-backs, rows the reader leaves out; how fields
+// are quoted; what the tool draws beside the logs (water strikes, standing levels, SPT results).
+// AGS 3.1 - "**" groups, <UNITS> and <CONT> rows, lines that wrap - is shown by the real files
+// (RealFilesTest: NLE, C6034); here, where its records start and the files it refuses.
 #include "AgsReader.h"
 
 #include "AgsInSitu.h"

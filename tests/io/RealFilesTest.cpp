@@ -1,6 +1,6 @@
-// The readers on real, public borehole files (see SOURCES.md beside them). Every expectation here
-// was read off the files by eye or counted with other tools, or is stated in SOURCES.md. What the
-// validation and the hole policy make of them is shown through the tool (ValidationErrorsTest).
+// The readers on real, public borehole files (see ATTRIBUTION.md beside them). Every expectation
+// here was read off the files by eye or counted with other tools. What the validation and the hole
+// policy make of them is shown through the tool (ValidationErrorsTest).
 #include "Numbers.h"
 #include "ReadBoreholes.h"
 #include "Text.h"
