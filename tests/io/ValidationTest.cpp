@@ -22,8 +22,8 @@ using Lines = std::vector<std::string>;
 HoleRecord West(std::vector<testing::Bed> beds = {{L"A", 100, 95}, {L"B", 95, 90}}) {
   return MakeHole("W", 0, 0, 100, beds, 2);
 }
-HoleRecord East(const std::string& name = "E", double x = 100) {
-  return MakeHole(name, x, 0, 98, {{L"A", 98, 94}, {L"B", 94, 91}}, 10);
+HoleRecord East(const std::string& name = "E", double x = 100, std::size_t line = 10) {
+  return MakeHole(name, x, 0, 98, {{L"A", 98, 94}, {L"B", 94, 91}}, line);
 }
 
 Lines Check(std::vector<HoleRecord> holes) {
@@ -131,6 +131,8 @@ TEST(HolePolicyTest, WhatIsLeftOutAndWhatRefuses) {
         "set.json:40: warning: field top: hole 'NG' left out: " + noGroundLevel,
         "set.json: warning: 2 of 4 holes left out of the section: W, NG"},
        {}},
+      // Without its deeper twin, W stands alone.
+      {{{}, {"W2", "NG"}, false}, {"W", "E"}, {kIgnoredRow}, {}},
       {{{"NG", "E"}, {}, false},
        {"NG", "E"},
        {kIgnoredRow},
@@ -159,8 +161,8 @@ TEST(HolePolicyTest, WhatIsLeftOutAndWhatRefuses) {
 }
 
 TEST(SectionSpacingTest, ConsecutiveHolesWithinAMillimetreAreAnError) {
-  EXPECT_EQ(Messages(CheckSectionSpacing({West(), East(), East("E2", 100.0009)})),
-            Lines{"set.json:10: field name: holes 'E' and 'E2' stand at the same plan position "
+  EXPECT_EQ(Messages(CheckSectionSpacing({West(), East(), East("E2", 100.0009, 20)})),
+            Lines{"set.json:20: field name: holes 'E' and 'E2' stand at the same plan position "
                   "(100.0009, 0): the section between them has no length; leave one of them out"});
   EXPECT_TRUE(CheckSectionSpacing({East(), East("E2", 100.0011)}).empty());
   // Returning to a hole further along is a zigzag, not a zero-length span.
