@@ -296,20 +296,17 @@ Lines InSituSummary(const HoleInSitu& hole) {
   return lines;
 }
 
-// Water strikes, standing levels and SPT results, one rule per row; the real files that carry them
-// are read through the tool (InSituSectionTest). WSTG rows on lines 3-5, WSTD on lines 9-13, MOND
-// on lines 17-19, ISPT on lines 23-27.
+// Water strikes, standing levels and SPT results, one rule per row. The real files that carry them
+// are read through the tool (InSituSectionTest), which shows the reading taken longest after a
+// strike and results as the log reports them. WSTG rows on lines 3-4, WSTD on lines 8-9, MOND on
+// lines 13-15, ISPT on lines 19-21.
 const std::string kAgs4 = R"ags("GROUP","WSTG"
 "HEADING","LOCA_ID","WSTG_DPTH","WSTG_DTIM","WSTG_REM"
 "DATA","BH1","","","Strikes not recorded during rotary drilling"
-"DATA","BH1","9.40","2000-02-16T10:30",""
 "DATA","BH1","2.10","2000-02-16T09:00","Seepage"
 
 "GROUP","WSTD"
 "HEADING","LOCA_ID","WSTG_DPTH","WSTD_NMIN","WSTD_POST"
-"DATA","BH1","9.40","10","6.50"
-"DATA","BH1","9.40","20","6.20"
-"DATA","BH1","9.40","5","6.90"
 "DATA","BH1","12.00","20","11.00"
 "DATA","BH1","2.10","abc","2.00"
 
@@ -321,32 +318,26 @@ const std::string kAgs4 = R"ags("GROUP","WSTG"
 
 "GROUP","ISPT"
 "HEADING","LOCA_ID","ISPT_TOP","ISPT_NVAL","ISPT_REP","ISPT_MAIN","ISPT_INC3","ISPT_INC4","ISPT_PEN3","ISPT_PEN4"
-"DATA","BH1","5.00","","50 (25 for 70mm/50 for 70mm)","50","","","",""
-"DATA","BH1","1.20","7","N=7 (1,1/1,2,2,2)","7","","","",""
 "DATA","BH1","6.50","","","","30","20","75","0"
 "DATA","BH1","8.00","","","","","","",""
 "DATA","BH1","-1.0","12","","","","","",""
 )ags";
 
-TEST(InSituTest, Ags4StrikesKeepTheirLastReadingAndTestsTheirResultAsReported) {
+TEST(InSituTest, StrikesOutsideTheirGroupIncrementsOfARefusalAndRowsLeftOut) {
   std::vector<Diagnostic> diagnostics;
   EXPECT_EQ(InSituSummary(ReadAgsInSitu(kAgs4, "site.ags", diagnostics).at("BH1")),
             (Lines{
-                // WSTD readings come in any order: the one taken longest after the strike counts.
-                "strike 2.1 -> 2 after ? at 2000-02-16T09:00 (line 5)",
-                "strike 9.4 -> 6.2 after 20 at 2000-02-16T10:30 (line 4)",
-                "strike 12 -> 11 after 20 at  (line 12)", // readings of an unlisted strike
-                "level 5.85 in SP1 at 2000-03-01",        // HEAD readings and dry visits left out
-                "spt 1.2 N=7",
-                "spt 5 50 (25 for 70mm/50 for 70mm)", // a refusal as the log writes it
-                "spt 6.5 50 for 75 mm",               // and from its increments when it does not
+                "strike 2.1 -> 2 after ? at 2000-02-16T09:00 (line 4)",
+                "strike 12 -> 11 after 20 at  (line 8)", // readings of an unlisted strike
+                "level 5.85 in SP1 at 2000-03-01",       // HEAD readings and dry visits left out
+                "spt 6.5 50 for 75 mm",                  // a refusal from its increments
             }));
   EXPECT_EQ(
       Messages(diagnostics),
-      (Lines{"site.ags:13: warning: field WSTD_NMIN: not a number: 'abc'; the value is left out",
-             "site.ags:26: warning: field ISPT_TOP: SPT without a result (no N, report or blow "
+      (Lines{"site.ags:9: warning: field WSTD_NMIN: not a number: 'abc'; the value is left out",
+             "site.ags:20: warning: field ISPT_TOP: SPT without a result (no N, report or blow "
              "count); left out",
-             "site.ags:27: warning: field ISPT_TOP: negative depth -1.0; the row is left out"}));
+             "site.ags:21: warning: field ISPT_TOP: negative depth -1.0; the row is left out"}));
 }
 
 } // namespace
