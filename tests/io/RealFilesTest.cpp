@@ -120,26 +120,22 @@ TEST(RealFilesTest, EveryAgsFileGivesItsHolesAndStrataAtTheirLines) {
   }
 }
 
-TEST(RealFilesTest, HolesLeftOutAndTheMeaningsOfTheCodesUsed) {
-  const auto c6034 = ReadReal("c6034-ags3/C6034.ags");
+TEST(RealFilesTest, HolesLeftOutContinuedTextsAndTheMeaningsOfTheCodesUsed) {
+  ReadOptions inSitu; // with the descriptions
+  inSitu.inSitu = true;
+  const auto c6034 = ReadReal("c6034-ags3/C6034.ags", false, inSitu);
   EXPECT_EQ(c6034.skipped, (std::map<std::string, std::string>{{"BH 3", "HOLE_NATE is empty"},
                                                                {"BH 4", "HOLE_NATE is empty"},
                                                                {"BH 5", "HOLE_NATE is empty"},
                                                                {"BH 6", "HOLE_NATE is empty"}}));
   EXPECT_EQ(c6034.codeDescriptions.at("801"), "MUDSTONE");
   // A <CONT> row continues the text of the row above: BH 1 4.00-5.85 ends "(GL" "ACIAL DEPOSITS)".
-  ReadOptions inSitu;
-  inSitu.inSitu = true;
-  const auto text =
-      ReadReal("c6034-ags3/C6034.ags", false, inSitu).inSitu.at("BH 1").descriptions.at(2).text;
+  const auto& text = c6034.inSitu.at("BH 1").descriptions.at(2).text;
   EXPECT_EQ(text.substr(text.size() - 35), "mixed lithology. (GLACIAL DEPOSITS)");
   EXPECT_EQ(ReadReal("dlr-city-airport/DLR_City_Airport_Extension.ags").codeDescriptions.at("805"),
             "CHALK");
   // River Roch's ABBR lists codes as their own meaning, which is nothing to show.
   EXPECT_TRUE(ReadReal(kRoch).codeDescriptions.empty());
-  for (const auto& hole : ReadReal("shottlegate/Shottlegate_Project.ags").holes) {
-    EXPECT_FALSE(hole.groundLevelKnown) << hole.name;
-  }
 }
 
 // M621: DS04, DS04A, DS04B and DS04C were drilled at one position (DS05A beside DS05).
