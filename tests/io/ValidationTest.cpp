@@ -100,11 +100,14 @@ TEST(ValidationTest, NamesCountAndPlanPositionsOfTheHoles) {
                    "'E' (line 10): a section can take only one of them"}));
   EXPECT_EQ(Check({West()}), Lines{"set.json: 1 hole to correlate: a section needs at least two"});
   EXPECT_EQ(Check({}), Lines{"set.json: 0 holes to correlate: a section needs at least two"});
-  // E2 is closer than a millimetre; BH113 and BH113A of the DLR file are as close as E3, and
-  // distinct.
-  EXPECT_EQ(Check({West(), East(), East("E2", 100.0009), East("E3", 100.5)}),
-            Lines{"set.json:10: warning: field x: hole 'E2' stands at the same plan position as "
-                  "'E' (line 10): a section can take only one of them"});
+  // E2 is closer than a millimetre, on the far side of a millimetre grid line; BH113 and BH113A of
+  // the DLR file are as close as E3, and distinct. Every position shared is said, as at M621's
+  // DS04 and DS05.
+  EXPECT_EQ(Check({West(), East(), East("E2", 99.9991), East("E3", 100.5), East("W2", 0, 20)}),
+            (Lines{"set.json:10: warning: field x: hole 'E2' stands at the same plan position as "
+                   "'E' (line 10): a section can take only one of them",
+                   "set.json:20: warning: field x: hole 'W2' stands at the same plan position as "
+                   "'W' (line 2): a section can take only one of them"}));
 }
 
 // The policy as a table: which holes a section keeps, what it says and what refuses it. Holes left
