@@ -15,11 +15,7 @@
 namespace xklink {
 namespace {
 
-using testing::Edit;
-using testing::ErrorOf;
-using testing::Messages;
-using testing::Summary;
-using Lines = std::vector<std::string>;
+using namespace xklink::testing;
 
 // LOCA rows on lines 3-4, GEOL rows on lines 10-13.
 const std::string kSite = R"("GROUP","LOCA"
@@ -55,7 +51,7 @@ TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
   EXPECT_EQ(Summary(set), kSiteHoles);
   EXPECT_EQ(Messages(ValidateBoreholes(set)), Lines{}); // the reader's own diagnostics too
   // CRLF and a byte order mark change nothing, not even the line numbers.
-  EXPECT_EQ(Summary(Read(testing::WithBomAndCrlf(kSite))), kSiteHoles);
+  EXPECT_EQ(Summary(Read(WithBomAndCrlf(kSite))), kSiteHoles);
   EXPECT_EQ(set.holes[1].where.ToString() + ", " + set.holes[1].strata[1].where.ToString(),
             "site.ags:4: field LOCA_ID, site.ags:13: field GEOL_GEOL");
   EXPECT_EQ(set.fields.holeTop + " " + set.fields.stratumBottom, "LOCA_GL GEOL_BASE");

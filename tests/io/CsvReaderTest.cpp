@@ -9,10 +9,7 @@
 namespace xklink {
 namespace {
 
-using testing::ErrorOf;
-using testing::Messages;
-using testing::Summary;
-using Lines = std::vector<std::string>;
+using namespace xklink::testing;
 
 const std::string kDepths = "HOLEID,EASTING,NORTHING,RL,FROM,TO,CODE\n"
                             "BH1,100,200,10.68,0,2.5,SAND\n"
@@ -33,7 +30,7 @@ TEST(CsvReaderTest, ReadsOneRowPerStratumWithDepthsBelowTheCollar) {
                 set.fields.holeTop + " " + set.fields.stratumTop,
             "holes.csv:4: field HOLEID, holes.csv:5: field CODE, RL FROM");
   EXPECT_EQ(Messages(ValidateBoreholes(set)), Lines{}); // the reader's own diagnostics too
-  EXPECT_EQ(Summary(Read(testing::WithBomAndCrlf(kDepths))), kExpected);
+  EXPECT_EQ(Summary(Read(WithBomAndCrlf(kDepths))), kExpected);
   // Depths are taken from the ground level in decimals: 10.68 - 9.3 is 1.38 as written.
   ASSERT_NE(10.68 - 9.3, 1.38);
   EXPECT_EQ(set.holes[0].strata[1].dc.dBotGC, 1.38);
@@ -168,7 +165,7 @@ TEST(CsvReaderTest, EmptyFieldsDisagreeingCollarsAndNonFiniteValuesAreReportedIn
 }
 
 TEST(CsvReaderTest, OrphanIntervalsDuplicateAndIncompleteCollarsAreReported) {
-  testing::TempDir dir;
+  TempDir dir;
   const std::string collars = dir.path + "/collar.csv";
   const auto readPair = [&](const std::string& collarText, const std::string& intervals) {
     ReadOptions options;

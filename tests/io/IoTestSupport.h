@@ -18,6 +18,8 @@
 
 namespace xklink::testing {
 
+using Lines = std::vector<std::string>;
+
 // A fresh directory under the system's temporary directory, removed with everything in it.
 struct TempDir {
   std::string path = (std::filesystem::temp_directory_path() / "xklink-io-XXXXXX").string();

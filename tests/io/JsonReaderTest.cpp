@@ -9,10 +9,7 @@
 namespace xklink {
 namespace {
 
-using testing::Edit;
-using testing::ErrorOf;
-using testing::Messages;
-using Lines = std::vector<std::string>;
+using namespace xklink::testing;
 
 // BH1 on line 2 with strata on lines 3-4; BH2 on line 5 with its stratum on line 6.
 const std::string kHoles = R"({"boreholes": [
@@ -32,8 +29,8 @@ TEST(JsonReaderTest, ReadsHolesStrataAndTheHostsValuesWithTheirLines) {
   const Lines holes = {"BH1 @0,0 top 100: A 100..95@3 B 95..90@4",
                        "BH2 @50,-2.5 top 98: A 98..94@6"};
   const auto set = Read(kHoles);
-  EXPECT_EQ(testing::Summary(set), holes);
-  EXPECT_EQ(testing::Summary(Read(testing::WithBomAndCrlf(kHoles))), holes);
+  EXPECT_EQ(Summary(set), holes);
+  EXPECT_EQ(Summary(Read(WithBomAndCrlf(kHoles))), holes);
   const auto& strata = set.holes[0].strata;
   EXPECT_EQ(std::tuple(strata[0].dc.dAux, strata[0].dc.bAux, strata[1].dc.dAux, strata[1].dc.bAux),
             std::tuple(0.0, false, 1.5, true));

@@ -13,9 +13,7 @@ namespace xklink {
 namespace {
 
 using namespace std::string_view_literals;
-using testing::ErrorOf;
-using testing::Summary;
-using Lines = std::vector<std::string>;
+using namespace xklink::testing;
 
 TEST(Utf8Test, InvalidSequencesAreFoundAtTheirFirstByte) {
   EXPECT_EQ(ErrorOf([] {
@@ -39,7 +37,7 @@ TEST(Utf8Test, InvalidSequencesAreFoundAtTheirFirstByte) {
 }
 
 TEST(SourceTextTest, FilesLoseTheirByteOrderMarkAndMissingOnesAreNamed) {
-  testing::TempDir dir;
+  TempDir dir;
   EXPECT_EQ(ReadSourceFile(dir.Write("bom.csv", "\xEF\xBB\xBFHOLEID\r\nBH1\r\n")),
             "HOLEID\r\nBH1\r\n");
   // UTF-16 as Windows saves "Unicode" text, both byte orders, with a character beyond the BMP.
@@ -69,7 +67,7 @@ TEST(FormatTest, NamesExtensionsOrContentTellTheFormat) {
   EXPECT_THROW(FormatFromName("xlsx"), std::invalid_argument);
   // The extension decides without reading the file, which does not exist.
   EXPECT_EQ(DetectFormat("dir.v2/holes.CSV"), Format::Csv);
-  testing::TempDir dir;
+  TempDir dir;
   EXPECT_EQ(DetectFormat(dir.Write("a.txt", "\xEF\xBB\xBF" + kAgs)), Format::Ags);
   EXPECT_EQ(DetectFormat(dir.Write("b.txt", "\"**PROJ\"\n")), Format::Ags);
   EXPECT_EQ(DetectFormat(dir.Write("c.txt", "\n  {\"boreholes\": []}")), Format::Json);
@@ -82,7 +80,7 @@ TEST(FormatTest, NamesExtensionsOrContentTellTheFormat) {
 
 // The file names in messages and the options applied are shown by the tool and the real files.
 TEST(ReadBoreholesTest, TheFormatGivenWinsAndOnlyCsvTakesACollarTable) {
-  testing::TempDir dir;
+  TempDir dir;
   EXPECT_EQ(Summary(ReadBoreholes(dir.Write("s.json", kCsv), Format::Csv)),
             Lines{"A @0,0 top 10: S 10..8@2"});
   ReadOptions options;
@@ -93,8 +91,8 @@ TEST(ReadBoreholesTest, TheFormatGivenWinsAndOnlyCsvTakesACollarTable) {
 
 // Logs split one unit into several rows by description; joining them must never hide a fault.
 TEST(MergeRepeatsTest, JoinsTouchingSoundStrataOfTheSameCodeAndNothingElse) {
-  const auto merged = [](const std::vector<testing::Bed>& beds) {
-    auto set = testing::MakeSet({testing::MakeHole("H", 0, 0, 100, beds, 1)});
+  const auto merged = [](const std::vector<Bed>& beds) {
+    auto set = MakeSet({MakeHole("H", 0, 0, 100, beds, 1)});
     MergeRepeatedCodes(set);
     return Summary(set)[0];
   };
@@ -102,7 +100,7 @@ TEST(MergeRepeatsTest, JoinsTouchingSoundStrataOfTheSameCodeAndNothingElse) {
       merged(
           {{L"MG", 100, 99}, {L"MG", 99, 97}, {L"MG", 97, 96}, {L"LC", 96, 80}, {L"MG", 80, 79}}),
       "H @0,0 top 100: MG 100..96@2 LC 96..80@5 MG 80..79@6");
-  const std::vector<std::vector<testing::Bed>> kept = {
+  const std::vector<std::vector<Bed>> kept = {
       {{L"A", 100, 98}, {L"A", 97, 95}},                 // a gap
       {{L"A", 100, 96}, {L"A", 97, 95}},                 // an overlap
       {{L"A", 100, 98}, {L"A", 98, 99}, {L"A", 99, 90}}, // upside down: would look sound
@@ -112,8 +110,7 @@ TEST(MergeRepeatsTest, JoinsTouchingSoundStrataOfTheSameCodeAndNothingElse) {
       {{L"A", 100, 98}, {L"A", 98, 95, 2.0}, {L"A", 95, 90, 2.0, true}},
   };
   for (const auto& beds : kept) {
-    EXPECT_EQ(merged(beds),
-              Summary(testing::MakeSet({testing::MakeHole("H", 0, 0, 100, beds, 1)}))[0]);
+    EXPECT_EQ(merged(beds), Summary(MakeSet({MakeHole("H", 0, 0, 100, beds, 1)}))[0]);
   }
 }
 

@@ -12,14 +12,11 @@
 namespace xklink {
 namespace {
 
-using testing::MakeHole;
-using testing::MakeSet;
-using testing::Messages;
-using Lines = std::vector<std::string>;
+using namespace xklink::testing;
 
 // Two sound holes, 100 m apart: the base of every test. A hole without strata is shown through the
 // tool (CheckCommandTest).
-HoleRecord West(std::vector<testing::Bed> beds = {{L"A", 100, 95}, {L"B", 95, 90}}) {
+HoleRecord West(std::vector<Bed> beds = {{L"A", 100, 95}, {L"B", 95, 90}}) {
   return MakeHole("W", 0, 0, 100, beds, 2);
 }
 HoleRecord East(const std::string& name = "E", double x = 100, std::size_t line = 10) {
@@ -182,7 +179,7 @@ TEST(SelectHolesTest, KeepsTheOrderGivenAndTheDiagnosticsThatConcernIt) {
   set.diagnostics.push_back(MakeWarning({"set.json", 9, "top"}, "about BH03", "BH03"));
 
   const auto selected = SelectHoles(set, {"BH03", "BH02"});
-  EXPECT_EQ(testing::Summary(selected),
+  EXPECT_EQ(Summary(selected),
             (Lines{"BH03 @90,0 top 10: A 10..6@9", "BH02 @50,0 top 10: A 10..5@6"}));
   EXPECT_EQ(selected.source, "set.json");
   // BH01's error does not stop a section that leaves BH01 out.
@@ -199,7 +196,7 @@ TEST(SelectHolesTest, KeepsTheOrderGivenAndTheDiagnosticsThatConcernIt) {
       {{"BH01", "BH02", "BH01"}, "hole 'BH01' is named twice"},
   };
   for (const auto& [names, error] : refused) {
-    EXPECT_EQ(testing::ErrorOf<SelectionError>([&] { SelectHoles(set, names); }), error);
+    EXPECT_EQ(ErrorOf<SelectionError>([&] { SelectHoles(set, names); }), error);
   }
 }
 
