@@ -39,14 +39,6 @@ TEST(RegionsCommandTest, OverviewTreeHasTheHandWorkedCorners) {
                                          {{0, 0, 80}, {50, 0, 85}}, {a, c, b}));
   // Whole numbers are written without a fraction.
   EXPECT_NE(run.out.find("\"top\":[[0,0,100],[50,0,101]]"), std::string::npos) << run.out;
-  // --holes chooses the pair and its order: the tree from BH2's side.
-  json reversed = json::parse(RunTool({"regions", kOverview, "--holes", "BH2,BH1"}).out);
-  EXPECT_EQ(
-      reversed.at("children").at(2),
-      Region(2, false, "B", {1, 1, 1, 2}, {{50, 0, 97}, {0, 0, 95}}, {{50, 0, 97}, {0, 0, 90}}));
-  reversed["children"] = json::array();
-  EXPECT_EQ(reversed, Region(0, false, "", {0, 2, 0, 3}, {{50, 0, 101}, {0, 0, 100}},
-                             {{50, 0, 85}, {0, 0, 80}}));
 }
 
 TEST(RegionsCommandTest, NumbersAreTheShortestThatReadBack) {
