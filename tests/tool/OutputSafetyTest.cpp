@@ -40,7 +40,6 @@ TEST(OutputSafetyTest, RefusedRunsLeaveEveryFileAsItWas) {
     std::vector<std::string> argv;
     std::vector<std::string> fragments;
   } cases[] = {
-      {{tool, "section", bad, "-o", svg}, {"at least two holes"}},
       {{tool, "section", kOverview, "--holes", "BH1,BH7", "-o", svg}, {"BH7"}},
       {{tool, "section", kOverview, "--legend", (dir / "none.csv").string(), "-o", svg},
        {"none.csv"}},
