@@ -1,7 +1,7 @@
 // Colours: legend colours and the stable default palette.
 #include "Colour.h"
 
-#include "Section.h"
+#include "SectionFixtures.h"
 #include "TextMetrics.h"
 
 #include <gtest/gtest.h>
@@ -45,17 +45,12 @@ TEST(DefaultColour, StableLightAndSpreadOverThePalette) {
 Section Holes(const std::vector<std::vector<std::wstring>>& logs) {
   Section section;
   for (const auto& log : logs) {
-    SectionHole hole;
-    double top = 0.0;
+    std::vector<testing::Stratum> strata;
     for (const std::wstring& code : log) {
-      DataType::_sZKDC stratum;
-      stratum.strName = code;
-      stratum.dTopGC = top;
-      stratum.dBotGC = top - 1.0;
-      top -= 1.0;
-      hole.zk.vecDC.push_back(stratum);
+      const double top = -static_cast<double>(strata.size());
+      strata.push_back({code, top, top - 1.0});
     }
-    section.holes.push_back(hole);
+    section.holes.push_back({"H", 0.0, testing::MakeHole(L"H", 0.0, 0.0, strata)});
   }
   return section;
 }
