@@ -81,6 +81,18 @@ Section LensOfSecondHole() {
                               {{L"CLAY", 10.0, 6.0}, {L"SAND", 6.0, 4.0}, {L"CLAY", 4.0, 0.0}})}});
 }
 
+Section AwkwardCodes() {
+  const auto hole = [](double x, double top) {
+    return MakeHole(L"", x, 0.0,
+                    {{L"A/B", top, top - 2.0},
+                     {L"A:B", top - 2.0, top - 5.0},
+                     {L"<C>&\"Q\" 'R'", top - 5.0, top - 7.0},
+                     {L"Ton \u00FC \u7C98\u571F", top - 7.0, top - 10.0}});
+  };
+  return CorrelatedSection("Cut & <fill> \"A\"",
+                           {{"BH<1>&", hole(0.0, 10.0)}, {"BH2 \xC3\x9C", hole(40.0, 11.0)}});
+}
+
 std::size_t LineCount(const Section& section) {
   std::size_t count = 0;
   for (const SectionPair& pair : section.pairs) {

@@ -31,6 +31,11 @@ Section LondonSection();
 // W (0, 0) holds CLAY 10..0; E (30, 40), chainage 50, holds CLAY, a SAND lens 6..4, CLAY.
 Section LensOfSecondHole();
 
+// Two holes of four codes that the file formats must take care with: characters XML escapes, two
+// codes that look alike once the characters a DXF layer name refuses are replaced, letters beyond
+// ASCII; the title and hole names with such characters too.
+Section AwkwardCodes();
+
 std::size_t LineCount(const Section& section);
 // Leaf regions over all pairs, by the leaf test of the section lines.
 std::size_t LeafCount(const Section& section);
