@@ -9,10 +9,6 @@ import pytest
 import xklink
 from conftest import NLE, REAL
 
-BAD_JSON = """{"boreholes": [
-  {"name": "BH1", "x": 0, "y": 0, "top": 10, "strata": [{"code": "A", "top": 10, "bottom": 12}]},
-  {"name": "BH2", "x": 5, "y": 0, "top": 10, "strata": [{"code": "A", "top": 10, "bottom": 8}]}
-]}"""
 BAD_CSV = "HOLEID,X,Y,Z,FROM,TO,CODE\nBH1,0,0,10,0,2,A\nBH2,5,0,10,0,abc,A\n"
 
 
@@ -21,7 +17,6 @@ M621 = REAL / "m621-widening" / "M621_Widening.ags"
 # (a real file or the name and text of one, options, whether the error names the file, its line
 # and field, a part of the message). Problems of the options name no file.
 ERRORS = [
-    (("bad.json", BAD_JSON), {"strict": True}, True, 2, "top", "top elevation 10 is below the base"),
     (("bad.csv", BAD_CSV), {}, True, 3, "TO", "not a number: 'abc'"),
     (("missing.ags", None), {}, True, None, None, "cannot read the file"),
     (M621, {"strict": True}, True, 1461, "LOCA_NATE", "stands at the same plan position as"),
