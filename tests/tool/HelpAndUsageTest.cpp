@@ -27,7 +27,6 @@ TEST(HelpAndUsageTest, MisusesAreRefusedNamingWhatIsWrong) {
   const std::string pdf = (dir / "x.pdf").string();
   const std::string badLine = dir.Write("line.csv", "e,n\n1,2\n3,x\n");
   const std::vector<std::pair<std::vector<std::string>, std::vector<std::string>>> misuses = {
-      {{}, {"subcommand is required"}},
       {{"frobnicate", kOverview}, {"subcommand is required"}},
       {{"lines", kOverview, "--bogus"}, {"not expected: --bogus"}},
       {{"regions", kOverview, "--holes"}, {"--holes"}},

@@ -4,7 +4,6 @@
 // files. The refusals of options that disagree are in HelpAndUsageTest.
 #include "ToolRunner.h"
 
-#include <array>
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -51,24 +50,19 @@ std::string OverlappingLabels(const json& drawn) {
   return "";
 }
 
-// The user's own colours and labels, which the file does not give, reach the drawing. (The title
-// and the exaggeration are compared with the Python package's drawing by the Python tests.)
+// The user's own colour and label, which the file does not give, reach the drawing; how a legend
+// file is read is the legend tests'. (The title and the exaggeration are compared with the Python
+// package's drawing by the Python tests.)
 TEST(SectionCommandTest, SvgParsesAndShowsTheUsersLegend) {
   TempDir dir;
-  const std::string legend = dir.Write("legend.csv", "code,colour,label\n"
-                                                     "LC,#123456,Blue Clay\n"
-                                                     "RTD,orange,Battersea Gravel\n");
+  const std::string legend = dir.Write("legend.csv", "code,colour,label\nLC,#123456,Blue Clay\n");
   EXPECT_EQ(Section({kNle, "--legend", legend}, dir / "nle.svg").out, "");
   // The text as a real XML parser reads it, entities resolved.
   const RunResult text =
       RunProgram({"xmllint", "--xpath", "string(/)", (dir / "nle.svg").string()});
   ASSERT_EQ(text.exitCode, 0) << text.Describe();
-  for (const std::string shown : {"Blue Clay", "Battersea Gravel"}) {
-    EXPECT_NE(text.out.find(shown), std::string::npos) << shown << "\n" << text.out.substr(0, 300);
-  }
-  const std::string content = ReadFile(dir / "nle.svg");
-  EXPECT_NE(content.find("#123456"), std::string::npos);
-  EXPECT_NE(content.find("#ffa500"), std::string::npos); // SVG's orange
+  EXPECT_NE(text.out.find("Blue Clay"), std::string::npos) << text.out.substr(0, 300);
+  EXPECT_NE(ReadFile(dir / "nle.svg").find("#123456"), std::string::npos);
 }
 
 // The M621 route: west to east through BH01, BH06 and BH10 to BH12, then south to BH15 (the
