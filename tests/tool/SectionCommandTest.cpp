@@ -1,5 +1,5 @@
 // xklink section: the drawn cross-section and its printed sheets, checked by the programs a user
-// opens them with: the SVG by a real XML parser (xmllint), the DXF by ezdxf, the PDF by poppler.
+// opens them with: the DXF by ezdxf, the PDF by poppler (the SVG by xmllint in OutputSafetyTest).
 // How the sheet is drawn is the drawing tests' business; here, that the options reach it, on real
 // files. The refusals of options that disagree are in HelpAndUsageTest.
 #include "ToolRunner.h"
@@ -53,16 +53,13 @@ std::string OverlappingLabels(const json& drawn) {
 // The user's own colour and label, which the file does not give, reach the drawing; how a legend
 // file is read is the legend tests'. (The title and the exaggeration are compared with the Python
 // package's drawing by the Python tests.)
-TEST(SectionCommandTest, SvgParsesAndShowsTheUsersLegend) {
+TEST(SectionCommandTest, SvgShowsTheUsersLegend) {
   TempDir dir;
   const std::string legend = dir.Write("legend.csv", "code,colour,label\nLC,#123456,Blue Clay\n");
   EXPECT_EQ(Section({kNle, "--legend", legend}, dir / "nle.svg").out, "");
-  // The text as a real XML parser reads it, entities resolved.
-  const RunResult text =
-      RunProgram({"xmllint", "--xpath", "string(/)", (dir / "nle.svg").string()});
-  ASSERT_EQ(text.exitCode, 0) << text.Describe();
-  EXPECT_NE(text.out.find("Blue Clay"), std::string::npos) << text.out.substr(0, 300);
-  EXPECT_NE(ReadFile(dir / "nle.svg").find("#123456"), std::string::npos);
+  const std::string svg = ReadFile(dir / "nle.svg");
+  EXPECT_NE(svg.find(">Blue Clay<"), std::string::npos);
+  EXPECT_NE(svg.find("#123456"), std::string::npos);
 }
 
 // The M621 route: west to east through BH01, BH06 and BH10 to BH12, then south to BH15 (the
