@@ -15,10 +15,6 @@ namespace {
 
 using nlohmann::json;
 
-const std::string kM621 = (kRealData / "m621-widening" / "M621_Widening.ags").string();
-const std::string kDlr =
-    (kRealData / "dlr-city-airport" / "DLR_City_Airport_Extension.ags").string();
-
 // `xklink section ARGS -o OUT`, which must succeed.
 RunResult Section(std::vector<std::string> args, const fs::path& out) {
   args.insert(args.begin(), "section");
@@ -30,9 +26,8 @@ RunResult Section(std::vector<std::string> args, const fs::path& out) {
 
 // The laid-out section that `xklink section ARGS -o section.json` writes.
 json SectionJson(const TempDir& dir, const std::vector<std::string>& args) {
-  return Section(args, dir / "section.json").exitCode == 0
-             ? json::parse(ReadFile(dir / "section.json"))
-             : json::object();
+  Section(args, dir / "section.json"); // a failed run is reported there, with what it printed
+  return json::parse(ReadFile(dir / "section.json"));
 }
 
 // The first two labels (of a section or of one of its sheets) whose boxes overlap, or "".
@@ -91,7 +86,6 @@ TEST(SectionCommandTest, M621AlongItsRouteFromTheCommandLineOrAFile) {
   std::vector<std::string> args = holes;
   args.insert(args.end(), {"--line", line});
   const json section = SectionJson(dir, args);
-  ASSERT_TRUE(section.contains("holes"));
   std::vector<std::string> names;
   for (const auto& hole : section.at("holes")) {
     names.push_back(hole.at("name"));
@@ -116,7 +110,6 @@ TEST(SectionCommandTest, BedrockContinuesBeneathTheShallowHolesOfM621) {
       kM621, "--holes",
       "BH04,DS01,DS02,DS03,DS04C,DS05A,DS06,BH05,IP01,IP02,IP03,IP04,IP05,IP06,BH06"};
   const json section = SectionJson(dir, args);
-  ASSERT_TRUE(section.contains("holes"));
   const std::string bedrock = section.at("holes")[0].at("strata").back().at("code");
   EXPECT_EQ(bedrock, "Pennine Lower Coal Measures Formation");
   const auto inside = [](const json& polygon, double s, double z) {

@@ -27,6 +27,10 @@ inline const fs::path kRealData = XKLINK_REAL_DATA_DIR;
 inline const std::string kOverview = XKLINK_EXAMPLES_DIR "/overview.json";
 // Ten holes of the Northern Line Extension at Battersea, AGS 3.1.
 inline const std::string kNle = XKLINK_EXAMPLES_DIR "/nle-battersea/21-7-10-NLE.ags";
+// Real files, AGS4: the M621 widening at Leeds, and the hundred holes of the DLR City Airport line.
+inline const std::string kM621 = (kRealData / "m621-widening" / "M621_Widening.ags").string();
+inline const std::string kDlr =
+    (kRealData / "dlr-city-airport" / "DLR_City_Airport_Extension.ags").string();
 
 inline std::string ReadFile(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);

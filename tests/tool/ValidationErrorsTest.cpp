@@ -77,12 +77,11 @@ TEST(ValidationErrorsTest, NoHoleWithAGroundLevelGivesASectionInDepth) {
 TEST(ValidationErrorsTest, M621GivesItsSectionWithoutItsBadHoles) {
   // Overlaps in BH07 (line 936) and BH11 (1001); DS04, DS04A, DS04B and DS04C drilled at one
   // position, DS04C the deepest.
-  const std::string m621 = (kRealData / "m621-widening" / "M621_Widening.ags").string();
-  Expect("section", m621,
+  Expect("section", kM621,
          {{{},
-           {m621 + ":936: warning: field GEOL_TOP: hole 'BH07' left out: overlaps the stratum on "
-                   "line 935 by 0.1",
-            m621 + ":1001: warning: field GEOL_TOP: hole 'BH11' left out: overlaps",
+           {kM621 + ":936: warning: field GEOL_TOP: hole 'BH07' left out: overlaps the stratum on "
+                    "line 935 by 0.1",
+            kM621 + ":1001: warning: field GEOL_TOP: hole 'BH11' left out: overlaps",
             "hole 'DS04' left out: stands at the same plan position as 'DS04C'",
             "holes left out of the section: BH07, BH11, DS04, DS04A, DS04B"}}});
 }
