@@ -166,7 +166,7 @@ TEST(CsvReaderTest, EmptyFieldsDisagreeingCollarsAndNonFiniteValuesAreReportedIn
 
 TEST(CsvReaderTest, OrphanIntervalsDuplicateAndIncompleteCollarsAreReported) {
   TempDir dir;
-  const std::string collars = dir.path + "/collar.csv";
+  const std::string collars = (dir / "collar.csv").string();
   const auto readPair = [&](const std::string& collarText, const std::string& intervals) {
     ReadOptions options;
     options.collarFile = dir.Write("collar.csv", collarText);

@@ -2,6 +2,7 @@
 // borehole sets built in code, and short ways to look at what was read and what went wrong.
 #pragma once
 
+#include "../support/TempDir.h"
 #include "BoreholeSet.h"
 #include "Diagnostics.h"
 #include "Numbers.h"
@@ -20,20 +21,7 @@ namespace xklink::testing {
 
 using Lines = std::vector<std::string>;
 
-// A fresh directory under the system's temporary directory, removed with everything in it.
-struct TempDir {
-  std::string path = (std::filesystem::temp_directory_path() / "xklink-io-XXXXXX").string();
-  TempDir() { EXPECT_NE(mkdtemp(path.data()), nullptr) << path; }
-  ~TempDir() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
-  }
-  // Writes the bytes as they are (no line-ending translation) and returns the path.
-  std::filesystem::path Write(const std::string& name, std::string_view bytes) const {
-    std::ofstream(path + "/" + name, std::ios::binary) << bytes;
-    return path + "/" + name;
-  }
-};
+using xktest::TempDir;
 
 // The diagnostics as the user reads them: all of them, or those of one severity.
 inline std::vector<std::string> Messages(const std::vector<Diagnostic>& diagnostics,

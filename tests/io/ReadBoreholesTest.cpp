@@ -46,16 +46,16 @@ TEST(SourceTextTest, FilesLoseTheirByteOrderMarkAndMissingOnesAreNamed) {
   EXPECT_EQ(ReadSourceFile(dir.Write("be.ags", "\xFE\xFF\0\"\0\xE1"sv)), "\"\xC3\xA1");
   const auto cut = dir.Write("cut.ags", "\xFF\xFE\"\0\xE1"sv);
   EXPECT_EQ(ErrorOf([&] { ReadSourceFile(cut); }),
-            cut.string() + ": UTF-16 text (it starts with a UTF-16 byte-order mark) with an odd "
-                           "number of bytes: the file is cut short");
+            cut + ": UTF-16 text (it starts with a UTF-16 byte-order mark) with an odd "
+                  "number of bytes: the file is cut short");
   EXPECT_EQ(ErrorOf([] { RequireUtf8Text("\"\0G\0R\0O\0U\0P\0\"\0"sv, "w.ags"); }),
             "w.ags: looks like UTF-16 text without a byte-order mark; save it as UTF-8 (or as "
             "UTF-16 with a byte-order mark)");
-  const auto missing = std::filesystem::path(dir.path) / "nothing.ags";
+  const auto missing = dir / "nothing.ags";
   EXPECT_EQ(ErrorOf([&] { ReadSourceFile(missing); }),
             missing.string() + ": cannot read the file: it does not exist");
   EXPECT_EQ(ErrorOf([&] { ReadSourceFile(dir.path); }),
-            dir.path + ": cannot read the file: it is a directory");
+            dir.path.string() + ": cannot read the file: it is a directory");
 }
 
 const std::string kAgs = "\"GROUP\",\"LOCA\"\n";
@@ -73,8 +73,8 @@ TEST(FormatTest, NamesExtensionsOrContentTellTheFormat) {
   EXPECT_EQ(DetectFormat(dir.Write("d", kCsv)), Format::Csv);
   const auto unknown = dir.Write("e.dat", "borehole log\n");
   EXPECT_EQ(ErrorOf([&] { DetectFormat(unknown); }),
-            unknown.string() + ": cannot tell the format from the name or the content; give it "
-                               "(json, ags or csv)");
+            unknown + ": cannot tell the format from the name or the content; give it "
+                      "(json, ags or csv)");
 }
 
 // The file names in messages and the options applied are shown by the tool and the real files.

@@ -3,6 +3,8 @@
 // exit status out. Every test works in its own temporary directory.
 #pragma once
 
+#include "../support/TempDir.h"
+
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
@@ -32,47 +34,8 @@ inline const std::string kM621 = (kRealData / "m621-widening" / "M621_Widening.a
 inline const std::string kDlr =
     (kRealData / "dlr-city-airport" / "DLR_City_Airport_Extension.ags").string();
 
-inline std::string ReadFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-// A fresh directory, removed with everything in it at the end of the test.
-class TempDir {
-public:
-  TempDir() {
-    std::string pattern = (fs::temp_directory_path() / "xklink-tool-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) {
-      throw std::runtime_error("mkdtemp failed");
-    }
-    m_path = pattern;
-  }
-  ~TempDir() {
-    std::error_code ec;
-    fs::remove_all(m_path, ec);
-  }
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-
-  fs::path operator/(const std::string& name) const { return m_path / name; }
-  // Writes a file into the directory and returns its path as a string for the command line.
-  std::string Write(const std::string& name, const std::string& text) const {
-    std::ofstream(m_path / name, std::ios::binary) << text;
-    return (m_path / name).string();
-  }
-  // The names of everything in the directory, sorted.
-  std::vector<std::string> Entries() const {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(m_path)) {
-      names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-
-private:
-  fs::path m_path;
-};
+using xktest::ReadFile;
+using xktest::TempDir;
 
 struct RunResult {
   int exitCode = -1; // -1 when the process was ended by a signal
