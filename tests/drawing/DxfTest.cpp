@@ -13,8 +13,6 @@
 namespace xklink {
 namespace {
 
-using testing::LondonSection;
-
 struct ReadBack : public DL_CreationAdapter {
   struct Polyline {
     std::string layer;
@@ -58,7 +56,7 @@ ReadBack Read(const std::string& dxf) {
 }
 
 TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayers) {
-  const Section section = LondonSection();
+  const Section section = testing::NleSection();
   DrawOptions options;
   options.exaggeration = 4.0;
   options.title = "Section A";
@@ -96,7 +94,7 @@ TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayer
       }
     }
   }
-  EXPECT_EQ(codes, (std::set<std::string>{"MG", "ALV", "PEAT", "RTD", "LC", "CLST", "LMG"}));
+  EXPECT_EQ(codes, (std::set<std::string>{"TOP", "MG", "ALV", "RTD", "LC", "HAR", "LMG"}));
   EXPECT_EQ(hatches, testing::LeafCount(section));
   EXPECT_EQ(outlines, testing::LeafCount(section));
   const auto [first, last] = dxf.texts.equal_range("TITLE");

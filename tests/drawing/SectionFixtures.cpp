@@ -1,7 +1,9 @@
 #include "SectionFixtures.h"
 
+#include "ReadBoreholes.h"
+#include "SectionGeometry.h"
+
 #include <cmath>
-#include <functional>
 
 namespace xklink::testing {
 
@@ -41,37 +43,17 @@ Section CorrelatedSection(const std::string& title,
   return section;
 }
 
-Section LondonSection() {
-  return CorrelatedSection(
-      "Section A\xE2\x80\x93"
-      "A\xE2\x80\xB2: Nine Elms",
-      {{"BH1",
-        MakeHole(
-            L"BH1", 1000.0, 2000.0,
-            {{L"MG", 6.2, 4.8}, {L"ALV", 4.8, 2.9}, {L"RTD", 2.9, -1.5}, {L"LC", -1.5, -18.0}})},
-       {"BH2", MakeHole(L"BH2", 1038.0, 2021.0,
-                        {{L"MG", 5.6, 4.1},
-                         {L"ALV", 4.1, 2.2},
-                         {L"PEAT", 2.2, 1.0},
-                         {L"ALV", 1.0, 0.2},
-                         {L"RTD", 0.2, -3.9},
-                         {L"LC", -3.9, -20.5}})},
-       {"BH3", MakeHole(L"BH3", 1085.0, 2040.0,
-                        {{L"MG", 4.9, 3.0},
-                         {L"RTD", 3.0, -2.5},
-                         {L"LC", -2.5, -8.0},
-                         {L"CLST", -8.0, -9.2},
-                         {L"LC", -9.2, -21.0}})},
-       {"BH4", MakeHole(L"BH4", 1140.0, 2052.0,
-                        {{L"MG", 5.3, 3.6},
-                         {L"RTD", 3.6, -1.0},
-                         {L"LC", -1.0, -15.0},
-                         {L"LMG", -15.0, -24.0}})},
-       {"BH5", MakeHole(L"BH5", 1171.0, 2066.0,
-                        {{L"MG", 6.0, 3.9},
-                         {L"RTD", 3.9, -0.4},
-                         {L"LC", -0.4, -13.2},
-                         {L"LMG", -13.2, -25.5}})}});
+Section NleSection() {
+  const BoreholeSet set = ReadBoreholes(std::filesystem::path(XKLINKDC_REAL_DATA_DIR) /
+                                            "nle-battersea" / "21-7-10-NLE.ags",
+                                        Format::Ags);
+  std::vector<std::pair<std::string, DataType::_sZK>> holes;
+  for (std::size_t i = 0; i < 5; ++i) {
+    holes.emplace_back(set.holes.at(i).name, set.holes.at(i).ToZK());
+  }
+  return CorrelatedSection("Section A\xE2\x80\x93"
+                           "A\xE2\x80\xB2: Battersea",
+                           holes);
 }
 
 Section LensOfSecondHole() {
@@ -102,19 +84,9 @@ std::size_t LineCount(const Section& section) {
 }
 
 std::size_t LeafCount(const Section& section) {
-  // A leaf is named, childless, or has only children of a non-zero type.
   std::size_t count = 0;
-  const std::function<void(const DataType::_sLinkRegion&)> walk =
-      [&](const DataType::_sLinkRegion& region) {
-        bool leaf = true;
-        for (const DataType::_sLinkRegion& child : region.vecChild) {
-          leaf = leaf && (child.nType != 0 || !region.strName.empty());
-          walk(child);
-        }
-        count += leaf ? 1 : 0;
-      };
   for (const SectionPair& pair : section.pairs) {
-    walk(pair.root);
+    drawing::ForEachLeafRegion(pair.root, [&count](const DataType::_sLinkRegion&) { ++count; });
   }
   return count;
 }

@@ -1,4 +1,5 @@
-// Sections for the drawing tests, correlated by the library itself from hand-made borehole logs.
+// Sections for the drawing tests, correlated by the library itself from hand-made and real
+// borehole logs.
 #pragma once
 
 #include "Section.h"
@@ -24,9 +25,11 @@ DataType::_sZK MakeHole(const std::wstring& name, double x, double y,
 Section CorrelatedSection(const std::string& title,
                           const std::vector<std::pair<std::string, DataType::_sZK>>& holes);
 
-// Five London boreholes running north-east: a peat lens in BH2, a claystone band in BH3 and the
-// Lambeth Group met by the last two holes only.
-Section LondonSection();
+// BH01 to BH05 of the Northern Line Extension at Battersea, read from the real file (tests/data/
+// real): made ground, alluvium and river terrace gravel over London Clay, with the Lambeth Group
+// below and a hard band (HAR) in the clay of BH01 and BH03. Logs as the file gives them, repeated
+// codes unmerged.
+Section NleSection();
 
 // W (0, 0) holds CLAY 10..0; E (30, 40), chainage 50, holds CLAY, a SAND lens 6..4, CLAY.
 Section LensOfSecondHole();
@@ -37,7 +40,7 @@ Section LensOfSecondHole();
 Section AwkwardCodes();
 
 std::size_t LineCount(const Section& section);
-// Leaf regions over all pairs, by the leaf test of the section lines.
+// The leaf regions of every pair, each of which the drawing fills.
 std::size_t LeafCount(const Section& section);
 
 } // namespace xklink::testing

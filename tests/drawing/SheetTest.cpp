@@ -56,7 +56,7 @@ TEST(ComposeSheet, DrawsTheExaggerationItStatesWithEverythingOnTheSheet) {
                {-3.0, 0.0}, {kNaN, 0.0}, {1e300, 1000.0}, {1e-300, 0.01}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.asked);
-    const Section section = testing::LondonSection();
+    const Section section = testing::NleSection();
     DrawOptions options;
     options.exaggeration = c.asked;
     const Sheet sheet = ComposeSheet(section, {}, options);
@@ -90,7 +90,7 @@ TEST(ComposeSheet, AwkwardInputStaysOnTheSheet) {
                      testing::MakeHole(L"", i < 3 ? 3.0 * i : 300.0, 0.0,
                                        {{L"A", 10.0, 4.0}, {L"B", 4.0, -2.0}})});
   }
-  Section broken = testing::LondonSection();
+  Section broken = testing::NleSection();
   broken.holes[4].chainage = kNaN;
   broken.holes[2].zk.vecDC[1].dBotGC = kInf;
   broken.pairs[0].root.vecChild[0].ptBot[1].z = -kInf;
@@ -109,7 +109,7 @@ TEST(ComposeSheet, AwkwardInputStaysOnTheSheet) {
   // The hole at no chainage is left off the sheet, name and all.
   const Sheet sheet = ComposeSheet(broken, {}, {});
   for (const Text* name : On<Text>(sheet, Layer::BoreholeLabels)) {
-    EXPECT_EQ(name->text.find("BH5"), std::string::npos);
+    EXPECT_EQ(name->text.find("BH05"), std::string::npos);
   }
 }
 

@@ -12,8 +12,6 @@
 namespace xklink {
 namespace {
 
-using testing::LondonSection;
-
 // A parsed document with XPath over the SVG namespace (prefix "s").
 class SvgDocument {
 public:
@@ -50,12 +48,12 @@ private:
 const char* const kStrata = "//s:g[@class='strata']/s:polygon/s:title";
 
 TEST(RenderSvg, WellFormedWithOneShapePerRegionAndLineLensesAfterTheirHost) {
-  const Section section = LondonSection();
+  const Section section = testing::NleSection();
   const SvgDocument svg(RenderSvg(section, {}, {}));
   ASSERT_TRUE(svg.Valid());
   EXPECT_EQ(svg.Count(kStrata), testing::LeafCount(section));
   EXPECT_EQ(svg.Count("//s:g[@class='section-lines']/s:polyline"), testing::LineCount(section));
-  for (const std::string name : {"BH1", "BH2", "BH3", "BH4", "BH5", "GL 6.20"}) {
+  for (const std::string name : {"BH01", "BH02", "BH03", "BH04", "BH05", "GL 4.08"}) {
     EXPECT_EQ(svg.Count("//s:g[@class='borehole-labels']/s:text[. = '" + name + "']"), 1u) << name;
   }
   const SvgDocument lens(RenderSvg(testing::LensOfSecondHole(), {}, {}));
