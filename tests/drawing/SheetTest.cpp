@@ -2,7 +2,6 @@
 #include "Sheet.h"
 
 #include "SectionFixtures.h"
-#include "TextMetrics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,12 +37,10 @@ void ExpectInsideAndFinite(const Sheet& sheet) {
       for (const Point& p : path->points) {
         inside(p.x, p.x, p.y, p.y, "path");
       }
-    } else if (const Text& text = std::get<Text>(item); text.rotation == 0.0) {
-      const double width = TextWidth(text.text, text.size, text.bold);
-      const double left = text.at.x - width * (text.anchor == Anchor::Start    ? 0.0
-                                               : text.anchor == Anchor::Middle ? 0.5
-                                                                               : 1.0);
-      inside(left, left + width, text.at.y - text.size, text.at.y, text.text);
+    } else {
+      // Upright texts too, by the box the layout gives every text.
+      const Box box = TextBox(std::get<Text>(item));
+      inside(box.left, box.right, box.top, box.bottom, std::get<Text>(item).text);
     }
   }
 }
