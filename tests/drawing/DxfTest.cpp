@@ -15,35 +15,27 @@ namespace {
 
 struct ReadBack : public DL_CreationAdapter {
   struct Polyline {
-    std::string layer;
     bool closed = false;
     std::vector<double> xy;
   };
   std::vector<std::string> layers;
-  std::vector<Polyline> polylines;
+  std::multimap<std::string, Polyline> polylines; // layer -> polyline
+  Polyline* last = nullptr;
   std::map<std::string, std::size_t> hatches;
   std::multimap<std::string, std::string> texts; // layer -> text
 
   void addLayer(const DL_LayerData& data) override { layers.push_back(data.name); }
   void addPolyline(const DL_PolylineData& data) override {
-    polylines.push_back({getAttributes().getLayer(), (data.flags & 1) != 0, {}});
+    last =
+        &polylines.emplace(getAttributes().getLayer(), Polyline{(data.flags & 1) != 0, {}})->second;
   }
   void addVertex(const DL_VertexData& data) override {
-    ASSERT_FALSE(polylines.empty());
-    polylines.back().xy.insert(polylines.back().xy.end(), {data.x, data.y});
+    ASSERT_NE(last, nullptr);
+    last->xy.insert(last->xy.end(), {data.x, data.y});
   }
   void addHatch(const DL_HatchData&) override { ++hatches[getAttributes().getLayer()]; }
   void addText(const DL_TextData& data) override {
     texts.emplace(getAttributes().getLayer(), data.text);
-  }
-  std::vector<const Polyline*> On(const std::string& layer) const {
-    std::vector<const Polyline*> out;
-    for (const Polyline& p : polylines) {
-      if (p.layer == layer) {
-        out.push_back(&p);
-      }
-    }
-    return out;
   }
 };
 
@@ -67,9 +59,9 @@ TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayer
     expected.push_back({line.from.s, line.from.z * 4.0, line.to.s, line.to.z * 4.0});
   }
   std::vector<std::vector<double>> actual;
-  for (const ReadBack::Polyline* line : dxf.On("SECTION-LINES")) {
-    EXPECT_FALSE(line->closed);
-    actual.push_back(line->xy);
+  for (auto [line, end] = dxf.polylines.equal_range("SECTION-LINES"); line != end; ++line) {
+    EXPECT_FALSE(line->second.closed);
+    actual.push_back(line->second.xy);
   }
   ASSERT_EQ(actual.size(), testing::LineCount(section));
   std::sort(expected.begin(), expected.end());
@@ -88,8 +80,8 @@ TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayer
     if (layer.rfind("STRATA-", 0) == 0) {
       codes.insert(layer.substr(7));
       hatches += dxf.hatches.contains(layer) ? dxf.hatches.at(layer) : 0;
-      for (const ReadBack::Polyline* outline : dxf.On(layer)) {
-        EXPECT_TRUE(outline->closed);
+      for (auto [outline, end] = dxf.polylines.equal_range(layer); outline != end; ++outline) {
+        EXPECT_TRUE(outline->second.closed);
         ++outlines;
       }
     }
