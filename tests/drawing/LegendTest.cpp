@@ -5,6 +5,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <unistd.h>
 
 namespace xklink {
 namespace {
@@ -50,11 +51,8 @@ TEST(ReadLegendCsv, GoodFilesAndTheLineAndReasonOfBadOnes) {
       {"bad UTF-8 in a code", "M\xFFG,grey\n", 1, "", {}},
       {"repeated code", "MG,grey\nLC,brown\n\nMG,black\n", 4, "already given on line 1", {}},
   };
-  const std::filesystem::path dir =
-      std::filesystem::temp_directory_path() /
-      ("xklink-legend-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
-  std::filesystem::create_directories(dir);
-  const std::filesystem::path path = dir / "legend.csv";
+  const std::filesystem::path path = std::filesystem::path(::testing::TempDir()) /
+                                     ("xklink-legend-" + std::to_string(::getpid()) + ".csv");
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     std::ofstream(path, std::ios::binary | std::ios::trunc) << c.content;
@@ -77,13 +75,13 @@ TEST(ReadLegendCsv, GoodFilesAndTheLineAndReasonOfBadOnes) {
     }
   }
   try {
-    ReadLegendCsv(dir / "absent.csv");
+    ReadLegendCsv(path.string() + ".absent");
     ADD_FAILURE() << "no error for a missing file";
   } catch (const LegendError& e) {
     EXPECT_EQ(e.line(), 0u);
-    EXPECT_NE(std::string(e.what()).find("absent.csv"), std::string::npos);
+    EXPECT_EQ(std::string(e.what()).rfind(path.string() + ".absent: ", 0), 0u) << e.what();
   }
-  std::filesystem::remove_all(dir);
+  std::filesystem::remove(path);
 }
 
 } // namespace
