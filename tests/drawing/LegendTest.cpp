@@ -1,11 +1,11 @@
 // Reading the legend file: what a good file gives, and the line that a bad one names.
 #include "Section.h"
+#include "support/TempDir.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
-#include <unistd.h>
 
 namespace xklink {
 namespace {
@@ -51,8 +51,8 @@ TEST(ReadLegendCsv, GoodFilesAndTheLineAndReasonOfBadOnes) {
       {"bad UTF-8 in a code", "M\xFFG,grey\n", 1, "", {}},
       {"repeated code", "MG,grey\nLC,brown\n\nMG,black\n", 4, "already given on line 1", {}},
   };
-  const std::filesystem::path path = std::filesystem::path(::testing::TempDir()) /
-                                     ("xklink-legend-" + std::to_string(::getpid()) + ".csv");
+  const xktest::TempDir dir;
+  const std::filesystem::path path = dir / "legend.csv";
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     std::ofstream(path, std::ios::binary | std::ios::trunc) << c.content;
@@ -75,13 +75,12 @@ TEST(ReadLegendCsv, GoodFilesAndTheLineAndReasonOfBadOnes) {
     }
   }
   try {
-    ReadLegendCsv(path.string() + ".absent");
+    ReadLegendCsv(dir / "absent.csv");
     ADD_FAILURE() << "no error for a missing file";
   } catch (const LegendError& e) {
     EXPECT_EQ(e.line(), 0u);
-    EXPECT_EQ(std::string(e.what()).rfind(path.string() + ".absent: ", 0), 0u) << e.what();
+    EXPECT_EQ(std::string(e.what()).rfind((dir / "absent.csv").string() + ": ", 0), 0u) << e.what();
   }
-  std::filesystem::remove(path);
 }
 
 } // namespace
