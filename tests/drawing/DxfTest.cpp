@@ -72,7 +72,7 @@ TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayer
       EXPECT_NEAR(actual[i][k], expected[i][k], 1e-6) << i;
     }
   }
-  // Each code of the London holes has its layer, with one closed outline and one hatch per leaf.
+  // Each code of the Battersea holes has its layer, with one closed outline and one hatch per leaf.
   std::set<std::string> codes;
   std::size_t hatches = 0;
   std::size_t outlines = 0;
