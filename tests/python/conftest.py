@@ -1,6 +1,5 @@
 """What the Python tests share: the paths of the repository and the built tool."""
 
-import json
 import os
 import pathlib
 import subprocess
@@ -21,17 +20,3 @@ def run_tool(*args):
     done = subprocess.run([tool, *map(str, args)], capture_output=True, text=True)
     assert done.returncode == 0, done.stderr
     return done.stdout
-
-
-def tool_json(*args):
-    return json.loads(run_tool(*args))
-
-
-def line_as_json(line):
-    """A Line in the form of the tool's JSON."""
-    return {"p1": [line.p1.x, line.p1.y, line.p1.z], "p2": [line.p2.x, line.p2.y, line.p2.z],
-            "type": line.type, "up": line.up, "down": line.down}
-
-
-def pair_as_json(pair):
-    return {"from": pair.hole_a, "to": pair.hole_b, "lines": [line_as_json(l) for l in pair.lines]}

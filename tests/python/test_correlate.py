@@ -1,12 +1,13 @@
 """The correlation through Python against the tool on the same real files: the same holes in the
 same order, the same lines to the last bit, the same region trees."""
 
+import json
 from concurrent.futures import ThreadPoolExecutor
 
 import pytest
 
 import xklink
-from conftest import ARARANGUA, NLE, REAL, pair_as_json, tool_json
+from conftest import ARARANGUA, NLE, REAL, run_tool
 
 WOOLWICH = REAL / "dlr-woolwich" / "DLR_Woolwich_Extension.ags"
 
@@ -25,9 +26,16 @@ SITES = [
 ]
 
 
+def pair_as_json(pair):
+    """A correlated pair in the form of the tool's JSON."""
+    return {"from": pair.hole_a, "to": pair.hole_b, "lines": [
+        {"p1": [l.p1.x, l.p1.y, l.p1.z], "p2": [l.p2.x, l.p2.y, l.p2.z], "type": l.type,
+         "up": l.up, "down": l.down} for l in pair.lines]}
+
+
 @pytest.mark.parametrize("path, options, tool_options", SITES, ids=lambda v: getattr(v, "stem", ""))
 def test_lines_are_the_tools(path, options, tool_options):
-    expected = tool_json("lines", path, "--format", "json", *tool_options)
+    expected = json.loads(run_tool("lines", path, "--format", "json", *tool_options))
     site = xklink.read(path, **options)
     section = xklink.section(site)
     assert [pair_as_json(p) for p in section.pairs] == expected
@@ -49,6 +57,6 @@ def region_as_json(r):
 
 def test_region_tree_is_the_tools():
     # Woolwich's BH108 and BH111: lenses inside lenses, four levels deep.
-    expected = tool_json("regions", WOOLWICH, "--holes", "BH108,BH111")
+    expected = json.loads(run_tool("regions", WOOLWICH, "--holes", "BH108,BH111"))
     site = xklink.read(WOOLWICH)
     assert region_as_json(xklink.correlate(site["BH108"], site["BH111"]).tree) == expected

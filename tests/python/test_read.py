@@ -66,9 +66,8 @@ def test_holes_and_strata_keep_the_files_values(tmp_path):
     hole = {"name": "BH-é", "x": 512345.25, "y": 181234.5, "top": 12.5,
             "strata": [{"code": "MG", "top": 12.5, "bottom": 11.0},
                        {"code": "LC", "top": 11.0, "bottom": 0.25}]}
-    other = dict(hole, name="BH2", x=512400.0)
     path = tmp_path / "site.json"
-    path.write_text(json.dumps({"boreholes": [hole, other]}))
+    path.write_text(json.dumps({"boreholes": [hole, dict(hole, name="BH2", x=512400.0)]}))
     site = xklink.read(path)
     read = site["BH-é"]
     assert (read.name, read.x, read.y, read.ground_level) == ("BH-é", 512345.25, 181234.5, 12.5)
