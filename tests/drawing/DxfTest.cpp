@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <dl_creationadapter.h>
 #include <dl_dxf.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
@@ -14,6 +15,10 @@ namespace xklink {
 namespace {
 
 struct ReadBack : public DL_CreationAdapter {
+  explicit ReadBack(const std::string& dxf) {
+    std::istringstream in(dxf);
+    EXPECT_TRUE(DL_Dxf().in(in, this));
+  }
   struct Polyline {
     bool closed = false;
     std::vector<double> xy;
@@ -39,20 +44,12 @@ struct ReadBack : public DL_CreationAdapter {
   }
 };
 
-ReadBack Read(const std::string& dxf) {
-  ReadBack reader;
-  std::istringstream in(dxf);
-  DL_Dxf parser;
-  EXPECT_TRUE(parser.in(in, &reader));
-  return reader;
-}
-
 TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayers) {
   const Section section = testing::NleSection();
   DrawOptions options;
   options.exaggeration = 4.0;
   options.title = "Section A";
-  const ReadBack dxf = Read(RenderDxf(section, {}, options));
+  const ReadBack dxf(RenderDxf(section, {}, options));
   // Drawing units: x the distance along the section, y the elevation times the exaggeration.
   std::vector<std::vector<double>> expected;
   for (const drawing::LineShape& line : drawing::CollectLineShapes(section)) {
@@ -67,10 +64,7 @@ TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayer
   std::sort(expected.begin(), expected.end());
   std::sort(actual.begin(), actual.end());
   for (std::size_t i = 0; i < expected.size(); ++i) {
-    ASSERT_EQ(actual[i].size(), 4u);
-    for (std::size_t k = 0; k < 4; ++k) {
-      EXPECT_NEAR(actual[i][k], expected[i][k], 1e-6) << i;
-    }
+    EXPECT_THAT(actual[i], ::testing::Pointwise(::testing::DoubleNear(1e-6), expected[i])) << i;
   }
   // Each code of the Battersea holes has its layer, with one closed outline and one hatch per leaf.
   std::set<std::string> codes;
@@ -97,7 +91,7 @@ TEST(RenderDxf, SectionLinesAtTheirSectionPositionsAndRegionsOnTheirStratumLayer
 }
 
 TEST(RenderDxf, LayerNamesAreSafeAndDistinct) {
-  const ReadBack dxf = Read(RenderDxf(testing::AwkwardCodes(), {}, {}));
+  const ReadBack dxf(RenderDxf(testing::AwkwardCodes(), {}, {}));
   std::size_t strata = 0;
   for (const std::string& layer : dxf.layers) {
     EXPECT_EQ(layer.find_first_of("<>/\\\":;?*|=`, "), std::string::npos) << layer;
