@@ -27,8 +27,8 @@ Section CorrelatedSection(const std::string& title,
 
 // BH01 to BH05 of the Northern Line Extension at Battersea, read from the real file (tests/data/
 // real): made ground, alluvium and river terrace gravel over London Clay, with the Lambeth Group
-// below and a hard band (HAR) in the clay of BH01 and BH03. Logs as the file gives them, repeated
-// codes unmerged.
+// below and a hard band (HAR) at the base of the clay in BH01 and BH03. Logs as the file gives
+// them, repeated codes unmerged.
 Section NleSection();
 
 // W (0, 0) holds CLAY 10..0; E (30, 40), chainage 50, holds CLAY, a SAND lens 6..4, CLAY.
