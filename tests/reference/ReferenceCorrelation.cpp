@@ -248,6 +248,20 @@ std::vector<Pair> MatchCommonStrata(const State& s, const _sLinkRegion& r) {
   return result;
 }
 
+// Consumes every remaining pair whose stratum on one side is `at` and returns the deepest stratum
+// they reach on the other side; -1 when no pair is left there.
+int32_t FollowChain(std::vector<Pair>& pairs, int32_t Pair::*side, int32_t Pair::*other,
+                    int32_t at) {
+  int32_t deepest = -1;
+  for (Pair& q : pairs) {
+    if (!q.bDrop && q.*side == at) {
+      q.bDrop = true;
+      deepest = std::max(deepest, q.*other);
+    }
+  }
+  return deepest;
+}
+
 void SplitAtCommonStrata(const State& s, const _sLinkRegion& r, std::vector<_sLinkRegion>& out) {
   if (r.nType != 0) {
     return;
@@ -266,36 +280,19 @@ void SplitAtCommonStrata(const State& s, const _sLinkRegion& r, std::vector<_sLi
     int32_t i2 = p.nDC2;
     sub.nBegin1 = Norm(i1);
     sub.nBegin2 = Norm(i2);
+    // The chain: from a stratum on one side to the deepest it pairs with on the other, and back,
+    // until a stratum pairs with nothing more.
     for (;;) {
-      bool found = false;
-      int32_t m = 0;
-      for (Pair& q : pairs) {
-        if (!q.bDrop && q.nDC1 == i1) {
-          q.bDrop = true;
-          if (!found || q.nDC2 > m) {
-            m = q.nDC2;
-          }
-          found = true;
-        }
-      }
-      if (!found) {
+      const int32_t deepest2 = FollowChain(pairs, &Pair::nDC1, &Pair::nDC2, i1);
+      if (deepest2 < 0) {
         break;
       }
-      i2 = m;
-      found = false;
-      for (Pair& q : pairs) {
-        if (!q.bDrop && q.nDC2 == i2) {
-          q.bDrop = true;
-          if (!found || q.nDC1 > m) {
-            m = q.nDC1;
-          }
-          found = true;
-        }
-      }
-      if (!found) {
+      i2 = deepest2;
+      const int32_t deepest1 = FollowChain(pairs, &Pair::nDC2, &Pair::nDC1, i2);
+      if (deepest1 < 0) {
         break;
       }
-      i1 = m;
+      i1 = deepest1;
     }
     sub.nEnd1 = Norm(i1 + 1);
     sub.nEnd2 = Norm(i2 + 1);
@@ -328,11 +325,10 @@ void MakeGapRegions(const State& s, const _sLinkRegion& r,
     _sLinkRegion& made = gaps.back();
     made.bNamed = r.bNamed;
     made.strName = r.strName;
-    const int32_t bounds[4] = {b1, e1, b2, e2};
-    int32_t* fields[4] = {&made.nBegin1, &made.nEnd1, &made.nBegin2, &made.nEnd2};
-    for (int k = 0; k < 4; ++k) {
-      *fields[k] = bounds[k];
-    }
+    made.nBegin1 = b1;
+    made.nEnd1 = e1;
+    made.nBegin2 = b2;
+    made.nEnd2 = e2;
     for (int side = 0; side < 2; ++side) {
       made.ptTop[side] = top[side];
       made.ptBot[side] = bot[side];
@@ -401,12 +397,7 @@ std::vector<Run> BuildRuns(const _sZK& zk, int32_t begin, int32_t end) {
     return runs;
   }
   for (int32_t i = b; i <= last; ++i) {
-    Run run;
-    run.nBegin = i;
-    run.nEnd = i + 1;
-    run.strName = Code(zk, i);
-    run.bMerged = false;
-    runs.push_back(run);
+    runs.push_back({i, i + 1, Code(zk, i), false});
   }
   return runs;
 }
@@ -466,12 +457,8 @@ std::size_t FindRepeatedDc(const _sZK& zk, const _sLinkRegion& r, const std::vec
     if (count < 2 || !eligible) {
       continue;
     }
-    bool known = false;
-    for (const std::size_t c : candidates) {
-      if (runs[c].strName == code) {
-        known = true;
-      }
-    }
+    const bool known = std::any_of(candidates.begin(), candidates.end(),
+                                   [&](std::size_t c) { return runs[c].strName == code; });
     if (!known) {
       candidates.push_back(p);
     }
@@ -496,22 +483,17 @@ std::size_t FindRepeatedDc(const _sZK& zk, const _sLinkRegion& r, const std::vec
   return result;
 }
 
+// Fuses the first run of the code with everything down to its last run.
 void MergeDcRun(std::vector<Run>& runs, const std::wstring& name) {
-  std::size_t first = runs.size();
-  for (std::size_t k = 0; k < runs.size(); ++k) {
-    if (runs[k].strName == name) {
-      first = k;
-      break;
-    }
+  const auto bears = [&name](const Run& run) { return run.strName == name; };
+  const auto firstRun = std::find_if(runs.begin(), runs.end(), bears);
+  const auto lastRun = std::find_if(runs.rbegin(), runs.rend(), bears);
+  if (firstRun == runs.end()) {
+    return;
   }
-  std::size_t last = runs.size();
-  for (std::size_t k = runs.size(); k > 0; --k) {
-    if (runs[k - 1].strName == name) {
-      last = k - 1;
-      break;
-    }
-  }
-  if (first >= runs.size() || last >= runs.size() || !(first < last)) {
+  const auto first = static_cast<std::size_t>(firstRun - runs.begin());
+  const auto last = static_cast<std::size_t>(runs.rend() - lastRun) - 1;
+  if (!(first < last)) {
     return;
   }
   runs[first].nEnd = runs[last].nEnd;
