@@ -239,13 +239,8 @@ std::vector<Pair> MatchCommonStrata(const State& s, const _sLinkRegion& r) {
   }
 
   // 7. Only the kept and re-admitted pairs remain, in collection order.
-  std::vector<Pair> result;
-  for (const Pair& p : pairs) {
-    if (!p.bDrop) {
-      result.push_back(p);
-    }
-  }
-  return result;
+  std::erase_if(pairs, [](const Pair& p) { return p.bDrop; });
+  return pairs;
 }
 
 // Consumes every remaining pair whose stratum on one side is `at` and returns the deepest stratum
@@ -778,19 +773,10 @@ void Correlate(State& s, const _sZK& zk1, const _sZK& zk2, _sLinkRegion& root) {
 // ---------------------------------------------------------------------------------------------
 // Section lines
 
+// A leaf is named, or holds nothing but lenses and wedges (or nothing at all).
 bool IsLeafRegion(const _sLinkRegion& r) {
-  if (r.strName != L"") {
-    return true;
-  }
-  if (r.vecChild.empty()) {
-    return true;
-  }
-  for (const _sLinkRegion& child : r.vecChild) {
-    if (child.nType == 0) {
-      return false;
-    }
-  }
-  return true;
+  return r.strName != L"" || std::none_of(r.vecChild.begin(), r.vecChild.end(),
+                                          [](const _sLinkRegion& c) { return c.nType == 0; });
 }
 
 void CollectLeafRegions(const _sLinkRegion& r, std::vector<const _sLinkRegion*>& leaves) {
