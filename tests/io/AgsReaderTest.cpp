@@ -107,10 +107,7 @@ TEST(AgsReaderTest, CodesComeFromTheFirstFilledColumnAndAHoleFallsBackOnce) {
     const auto set = Read(c.text, c.options);
     Lines codes;
     for (const auto& hole : set.holes) {
-      codes.emplace_back();
-      for (const auto& stratum : hole.strata) {
-        codes.back() += ToUtf8(stratum.dc.strName) + ";";
-      }
+      codes.push_back(Codes(hole));
     }
     EXPECT_EQ(codes, c.codes) << c.text;
     EXPECT_EQ(Messages(set.diagnostics), c.messages) << c.text;

@@ -78,6 +78,15 @@ inline std::vector<std::string> Summary(const BoreholeSet& set) {
   return out;
 }
 
+// The codes of a hole's strata, top down, ';' after each.
+inline std::string Codes(const HoleRecord& hole) {
+  std::string out;
+  for (const auto& s : hole.strata) {
+    out += ToUtf8(s.dc.strName) + ";";
+  }
+  return out;
+}
+
 struct Bed {
   std::wstring code;
   double top;

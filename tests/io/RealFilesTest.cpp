@@ -1,9 +1,8 @@
 // The readers on real, public borehole files (see ATTRIBUTION.md beside them). Every expectation
 // here was read off the files by eye or counted with other tools. What the validation and the hole
 // policy make of them is shown through the tool (ValidationErrorsTest).
-#include "Numbers.h"
+#include "IoTestSupport.h"
 #include "ReadBoreholes.h"
-#include "Text.h"
 #include "Validation.h"
 
 #include <algorithm>
@@ -14,6 +13,9 @@
 
 namespace xklink {
 namespace {
+
+using xklink::testing::Codes;
+using xklink::testing::Messages;
 
 const std::filesystem::path kReal = XKLINKDC_REAL_DATA_DIR;
 const std::string kNle = "nle-battersea/21-7-10-NLE.ags";
@@ -50,32 +52,11 @@ const HoleRecord& Hole(const BoreholeSet& set, const std::string& name) {
   return *it;
 }
 
-// Stratum i of a hole: "code top..bottom@line field", the elevations in metres to 0.1 mm; or the
-// codes of all of them.
+// Stratum i of a hole: "code top..bottom@line field", the elevations in metres to 0.1 mm.
 std::string Stratum(const HoleRecord& hole, std::size_t i) {
   const auto& s = hole.strata.at(i);
   return ToUtf8(s.dc.strName) + " " + FormatMetres(s.dc.dTopGC) + ".." + FormatMetres(s.dc.dBotGC) +
          "@" + std::to_string(s.where.line) + " " + s.where.field;
-}
-std::string Codes(const HoleRecord& hole) {
-  std::string out;
-  for (const auto& s : hole.strata) {
-    out += ToUtf8(s.dc.strName) + ";";
-  }
-  return out;
-}
-
-// The holes that have diagnostics of the severity ("" for the file as a whole), and how many.
-std::pair<Names, std::size_t> Concerned(const std::vector<Diagnostic>& diagnostics,
-                                        Severity severity) {
-  std::pair<Names, std::size_t> out;
-  for (const auto& d : diagnostics) {
-    if (d.severity == severity) {
-      out.first.insert(d.hole);
-      ++out.second;
-    }
-  }
-  return out;
 }
 
 // Each AGS file: the holes and strata read, one stratum as the file gives it, and the holes with
@@ -115,8 +96,15 @@ TEST(RealFilesTest, EveryAgsFileGivesItsHolesAndStrataAtTheirLines) {
     const auto set = ReadReal(f.file);
     EXPECT_EQ(Counts(set), f.counts);
     EXPECT_EQ(Stratum(Hole(set, f.hole), f.stratum), f.expected);
-    EXPECT_EQ(Concerned(ValidateBoreholes(set), Severity::Error),
-              std::pair(f.errors, f.errors.size()));
+    const auto diagnostics = ValidateBoreholes(set);
+    Names concerned; // the holes with errors, one error each
+    for (const auto& d : diagnostics) {
+      if (d.severity == Severity::Error) {
+        concerned.insert(d.hole);
+      }
+    }
+    EXPECT_EQ(concerned, f.errors);
+    EXPECT_EQ(Messages(diagnostics, Severity::Error).size(), f.errors.size());
   }
 }
 
