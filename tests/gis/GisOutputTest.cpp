@@ -168,11 +168,10 @@ std::pair<int, int> LayerSummary(const std::string& file, const std::string& lay
 TEST(GisOutputTest, GeoPackageReadsBackOnTheSourceGrid) {
   TempDir dir;
   const std::string gpkg = (dir / "lines.gpkg").string();
-  const std::string nle = (kRealData / "nle-battersea" / "21-7-10-NLE.ags").string();
-  const RunResult run = RunTool({"lines", nle, "--crs", "EPSG:27700", "-o", gpkg});
+  const RunResult run = RunTool({"lines", kNle, "--crs", "EPSG:27700", "-o", gpkg});
   ASSERT_EQ(run.exitCode, 0) << run.Describe();
   std::size_t lines = 0;
-  for (const json& pair : json::parse(RunTool({"lines", nle}).out)) {
+  for (const json& pair : json::parse(RunTool({"lines", kNle}).out)) {
     lines += pair.at("lines").size();
   }
   EXPECT_EQ(LayerSummary(gpkg, "holes"), std::make_pair(10, 27700));

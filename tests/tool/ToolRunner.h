@@ -112,15 +112,25 @@ inline RunResult RunTool(std::vector<std::string> args) {
   return RunProgram(args);
 }
 
-// Expects the run to fail with exit status 2 and nothing on standard output, and its message on
-// standard error to hold every fragment.
-inline void ExpectRefused(const RunResult& run, const std::vector<std::string>& fragments) {
-  EXPECT_EQ(run.exitCode, 2) << run.Describe();
+// Expects the run to end with the exit status and nothing on standard output, and standard error
+// to hold every fragment found and none absent.
+inline void ExpectExit(const RunResult& run, int exitCode, const std::vector<std::string>& found,
+                       const std::vector<std::string>& absent = {}) {
+  EXPECT_EQ(run.exitCode, exitCode) << run.Describe();
   EXPECT_EQ(run.out, "");
-  for (const std::string& fragment : fragments) {
+  for (const std::string& fragment : found) {
     EXPECT_NE(run.err.find(fragment), std::string::npos) << "missing: " << fragment << "\n"
                                                          << run.err;
   }
+  for (const std::string& fragment : absent) {
+    EXPECT_EQ(run.err.find(fragment), std::string::npos) << "present: " << fragment << "\n"
+                                                         << run.err;
+  }
+}
+
+// A refusal: exit status 2, its message holding every fragment.
+inline void ExpectRefused(const RunResult& run, const std::vector<std::string>& fragments) {
+  ExpectExit(run, 2, fragments);
 }
 
 } // namespace xktool
