@@ -1,7 +1,6 @@
 #include "SectionFixtures.h"
 
 #include "ReadBoreholes.h"
-#include "SectionGeometry.h"
 
 #include <cmath>
 
@@ -15,11 +14,10 @@ DataType::_sZK MakeHole(const std::wstring& name, double x, double y,
   hole.dY = y;
   hole.dTopGC = strata.empty() ? 0.0 : strata.front().top;
   for (const Stratum& s : strata) {
-    DataType::_sZKDC dc;
+    DataType::_sZKDC& dc = hole.vecDC.emplace_back();
     dc.strName = s.code;
     dc.dTopGC = s.top;
     dc.dBotGC = s.bottom;
-    hole.vecDC.push_back(dc);
   }
   return hole;
 }
@@ -34,10 +32,9 @@ Section CorrelatedSection(const std::string& title,
     const double chainage = i > 0 ? section.holes.back().chainage : 0.0;
     section.holes.push_back({holes[i].first, chainage + std::hypot(b.dX - a.dX, b.dY - a.dY), b});
     if (i > 0) {
-      SectionPair pair{i - 1, i, false, {}, {}};
-      LinkDc(a, b, pair.root);
-      LinkDcLine(a, b, pair.lines);
-      section.pairs.push_back(std::move(pair));
+      section.pairs.push_back({i - 1, i, false, {}, {}});
+      LinkDc(a, b, section.pairs.back().root);
+      LinkDcLine(a, b, section.pairs.back().lines);
     }
   }
   return section;
@@ -73,22 +70,6 @@ Section AwkwardCodes() {
   };
   return CorrelatedSection("Cut & <fill> \"A\"",
                            {{"BH<1>&", hole(0.0, 10.0)}, {"BH2 \xC3\x9C", hole(40.0, 11.0)}});
-}
-
-std::size_t LineCount(const Section& section) {
-  std::size_t count = 0;
-  for (const SectionPair& pair : section.pairs) {
-    count += pair.lines.size();
-  }
-  return count;
-}
-
-std::size_t LeafCount(const Section& section) {
-  std::size_t count = 0;
-  for (const SectionPair& pair : section.pairs) {
-    drawing::ForEachLeafRegion(pair.root, [&count](const DataType::_sLinkRegion&) { ++count; });
-  }
-  return count;
 }
 
 } // namespace xklink::testing

@@ -39,8 +39,4 @@ Section LensOfSecondHole();
 // ASCII; the title and hole names with such characters too.
 Section AwkwardCodes();
 
-std::size_t LineCount(const Section& section);
-// The leaf regions of every pair, each of which the drawing fills.
-std::size_t LeafCount(const Section& section);
-
 } // namespace xklink::testing

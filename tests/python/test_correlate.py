@@ -7,9 +7,7 @@ from concurrent.futures import ThreadPoolExecutor
 import pytest
 
 import xklink
-from conftest import ARARANGUA, NLE, REAL, run_tool
-
-WOOLWICH = REAL / "dlr-woolwich" / "DLR_Woolwich_Extension.ags"
+from conftest import ARARANGUA, M621, NLE, WOOLWICH, run_tool
 
 # (file, keyword options of xklink.read, the same as the tool's options)
 SITES = [
@@ -18,10 +16,9 @@ SITES = [
     (ARARANGUA / "ara_lito.csv", {"collars": ARARANGUA / "ara_collar.csv"},
      ["--collars", ARARANGUA / "ara_collar.csv"]),
     # Holes with overlapping strata and holes at one position left out, with warnings.
-    (REAL / "m621-widening" / "M621_Widening.ags", {}, []),
+    (M621, {}, []),
     # Overlaps in other holes, which do not stop these; codes from another column.
-    (REAL / "m621-widening" / "M621_Widening.ags",
-     {"holes": "BH01,BH02,BH03,BH04", "code_column": "GEOL_LEG", "merge_repeats": True},
+    (M621, {"holes": "BH01,BH02,BH03,BH04", "code_column": "GEOL_LEG", "merge_repeats": True},
      ["--holes", "BH01,BH02,BH03,BH04", "--code-column", "GEOL_LEG", "--merge-repeats"]),
 ]
 

@@ -7,12 +7,10 @@ import warnings
 import pytest
 
 import xklink
-from conftest import NLE, REAL
+from conftest import M621, NLE, REAL, WOOLWICH
 
 BAD_CSV = "HOLEID,X,Y,Z,FROM,TO,CODE\nBH1,0,0,10,0,2,A\nBH2,5,0,10,0,abc,A\n"
 
-
-M621 = REAL / "m621-widening" / "M621_Widening.ags"
 
 # (a real file or the name and text of one, options, whether the error names the file, its line
 # and field, a part of the message). Problems of the options name no file.
@@ -53,13 +51,13 @@ def test_holes_at_one_position_are_not_correlated():
 def test_warnings_are_python_warnings_with_their_place():
     with warnings.catch_warnings(record=True) as caught:
         warnings.simplefilter("always")
-        xklink.read(REAL / "dlr-woolwich" / "DLR_Woolwich_Extension.ags")
+        xklink.read(WOOLWICH)
     assert [(w.category, w.message.line, w.message.field) for w in caught] == [
         (xklink.XklinkWarning, 3997, "LOCA_FDEP"), (xklink.XklinkWarning, 2066, "GEOL_TOP")]
     with warnings.catch_warnings():
         warnings.simplefilter("error", xklink.XklinkWarning)
         with pytest.raises(xklink.XklinkWarning):
-            xklink.read(REAL / "dlr-woolwich" / "DLR_Woolwich_Extension.ags")
+            xklink.read(WOOLWICH)
 
 
 def test_holes_and_strata_keep_the_files_values(tmp_path):
