@@ -116,8 +116,6 @@ TEST(OutputSafetyTest, SuccessfulRunsWriteWholeFilesThroughLinksAndIntoSpecialFi
   EXPECT_EQ(piped.get(), expected);
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
   EXPECT_TRUE(fs::is_fifo(dir / "pipe"));
-  EXPECT_TRUE(fs::is_symlink(dir / "dangling.json"));
-  EXPECT_TRUE(fs::is_symlink(dir / "existing.json"));
   EXPECT_EQ(ReadFile(elsewhere / "target.json"), expected);
   EXPECT_EQ(ReadFile(elsewhere / "old.json"), expected);
   EXPECT_EQ(elsewhere.Entries(), (std::vector<std::string>{"old.json", "target.json"}));
