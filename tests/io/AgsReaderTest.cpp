@@ -8,7 +8,6 @@
 #include "AgsInSitu.h"
 #include "AgsTokenizer.h"
 #include "IoTestSupport.h"
-#include "Validation.h"
 
 #include <gtest/gtest.h>
 
@@ -49,7 +48,6 @@ ReadOptions CodeColumn(const std::string& name) {
 TEST(AgsReaderTest, ReadsHolesWithElevationsFromDepthsAndTheirPlaces) {
   const auto set = Read(kSite);
   EXPECT_EQ(Summary(set), kSiteHoles);
-  EXPECT_EQ(Messages(ValidateBoreholes(set)), Lines{}); // the reader's own diagnostics too
   // CRLF and a byte order mark change nothing, not even the line numbers.
   EXPECT_EQ(Summary(Read(WithBomAndCrlf(kSite))), kSiteHoles);
   EXPECT_EQ(set.fields.holeTop + " " + set.fields.stratumBottom, "LOCA_GL GEOL_BASE");
